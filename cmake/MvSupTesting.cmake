@@ -1,0 +1,94 @@
+# Test programs: GoogleTest from Debian's sources, one program per subsystem
+# under tests/<subsystem>/, run through Wine by ctest. Tests are labelled
+# "wine" (need Windows) or "host" (run on the build machine).
+
+set(gtest_disable_pthreads ON CACHE BOOL "" FORCE)
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(BUILD_GMOCK ON CACHE BOOL "" FORCE)
+add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+include(GoogleTest)
+
+file(GLOB MVSUP_TEST_COMMON_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/common/*.cpp)
+add_library(mvsup_testing STATIC ${MVSUP_TEST_COMMON_SOURCES})
+target_include_directories(mvsup_testing PUBLIC ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/src/exports)
+target_link_libraries(mvsup_testing PUBLIC mvsup_build_flags GTest::gtest GTest::gmock ${MVSUP_SYSTEM_LIBS})
+
+# mvsup_test_program(<subsystem> [DYNAMIC])
+#   DYNAMIC: the program loads the DLL itself (LoadLibrary) instead of linking
+#   its import library, so that start-up can be tested after preparing the
+#   registry.
+function(mvsup_test_program subsystem)
+  cmake_parse_arguments(ARG "DYNAMIC" "" "" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${subsystem}/*.cpp)
+  set(target test_${subsystem})
+  add_executable(${target} ${sources})
+  target_link_libraries(${target} PRIVATE mvsup_testing GTest::gtest_main)
+  if(ARG_DYNAMIC)
+    add_dependencies(${target} MvSup2u SDKSatellite_0407)
+    target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/src/exports)
+  else()
+    target_link_libraries(${target} PRIVATE MvSup2u_client)
+    add_dependencies(${target} SDKSatellite_0407)
+  endif()
+  gtest_discover_tests(${target}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 120
+    TEST_PREFIX "${subsystem}."
+    PROPERTIES LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix)
+  add_test(NAME ${subsystem}.lists_tests
+           COMMAND ${CMAKE_SOURCE_DIR}/cmake/check-lists-tests.sh ${CMAKE_CROSSCOMPILING_EMULATOR}
+                   $<TARGET_FILE:${target}>)
+  set_tests_properties(${subsystem}.lists_tests PROPERTIES LABELS wine RESOURCE_LOCK wine_prefix)
+endfunction()
+
+# Subsystems whose start-up behaviour is under test load the DLL themselves.
+set(MVSUP_DYNAMIC_TEST_PROGRAMS frame)
+
+file(GLOB test_dirs LIST_DIRECTORIES true ${CMAKE_SOURCE_DIR}/tests/*)
+foreach(dir IN LISTS test_dirs)
+  get_filename_component(name ${dir} NAME)
+  if(NOT IS_DIRECTORY ${dir} OR name STREQUAL "common" OR name STREQUAL "fixtures" OR name STREQUAL "abi")
+    continue()
+  endif()
+  file(GLOB has_sources CONFIGURE_DEPENDS ${dir}/*.cpp)
+  if(NOT has_sources)
+    continue()
+  endif()
+  if(name IN_LIST MVSUP_DYNAMIC_TEST_PROGRAMS)
+    mvsup_test_program(${name} DYNAMIC)
+  else()
+    mvsup_test_program(${name})
+  endif()
+endforeach()
+
+if(EXISTS ${CMAKE_SOURCE_DIR}/tests/fixtures/CMakeLists.txt)
+  add_subdirectory(tests/fixtures)
+endif()
+
+# ---- The ABI: export table, imports, import libraries --------------------------
+
+add_test(NAME abi.export_table
+         COMMAND ${CMAKE_SOURCE_DIR}/tests/abi/check-exports.sh ${CMAKE_OBJDUMP} $<TARGET_FILE:MvSup2u> ${MVSUP_DEF})
+add_test(NAME abi.tool_imports
+         COMMAND ${CMAKE_SOURCE_DIR}/tests/abi/check-exports.sh ${CMAKE_OBJDUMP} $<TARGET_FILE:mvsup> - MvSup2u.dll)
+set_tests_properties(abi.export_table abi.tool_imports PROPERTIES LABELS host)
+
+# A plain C client, compiled as strict C against the umbrella header and
+# linked against each import library.
+foreach(kind mingw msvc)
+  if(kind STREQUAL "mingw")
+    set(implib ${MVSUP_IMPLIB_MINGW})
+  else()
+    set(implib ${MVSUP_IMPLIB_MSVC})
+  endif()
+  set(client ${CMAKE_BINARY_DIR}/bin/abi_client_${kind}.exe)
+  add_test(NAME abi.link_c_client_${kind}
+           COMMAND ${CMAKE_C_COMPILER} -std=c11 -Wall -Wextra -Werror -pedantic -DUNICODE -D_UNICODE
+                   -I${CMAKE_SOURCE_DIR}/src/exports ${CMAKE_SOURCE_DIR}/tests/abi/client.c ${implib}
+                   -o ${client})
+  set_tests_properties(abi.link_c_client_${kind} PROPERTIES LABELS host FIXTURES_SETUP c_client_${kind})
+  add_test(NAME abi.run_c_client_${kind} COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} ${client})
+  set_tests_properties(abi.run_c_client_${kind} PROPERTIES LABELS wine FIXTURES_REQUIRED c_client_${kind}
+                       RESOURCE_LOCK wine_prefix
+                       PASS_REGULAR_EXPRESSION "client ok")
+endforeach()

@@ -1,0 +1,36 @@
+#!/bin/sh
+# Runs a Windows program under Wine in the build tree's private prefix.
+#   wine-run.sh <prefix-dir> <program.exe> [args...]
+# The environment is pinned: no debug output, no Mono/Gecko prompts, UTC
+# unless the caller chose a zone, English locale (ANSI code page 1252).
+# When no wineserver serves the prefix yet, a persistent one is started and
+# the prefix booted with its output detached: Wine's background services
+# would otherwise inherit the caller's pipes and keep ctest waiting.
+prefix=$1
+shift
+export WINEPREFIX="$prefix"
+export WINEDEBUG="${WINEDEBUG:--all}"
+export WINEDLLOVERRIDES="mscoree,mshtml="
+export LANG=en_US.UTF-8
+export TZ="${TZ:-UTC}"
+
+server_running() {
+  [ -d "$prefix" ] || return 1
+  id=$(printf '%x-%x' $(stat -c '%d %i' "$prefix"))
+  for socket in /tmp/wine-*/server-"$id"/socket /tmp/.wine-"$(id -u)"/server-"$id"/socket; do
+    [ -S "$socket" ] && return 0
+  done
+  return 1
+}
+
+if ! server_running; then
+  mkdir -p "$prefix"
+  (
+    flock 9
+    if ! server_running; then
+      wineserver -p </dev/null >/dev/null 2>&1
+      wineboot </dev/null >/dev/null 2>&1
+    fi
+  ) 9>"$prefix.lock"
+fi
+exec wine "$@"

@@ -1,0 +1,31 @@
+#!/bin/sh
+# The main job: builds the library and the support tool, installs them into a
+# fresh private Wine prefix as a per-user client installation
+# (samples/client.reg), and shows what the library sees there.
+set -eu
+root=$(cd "$(dirname "$0")/.." && pwd)
+"$root/scripts/setup.sh"
+. "$root/scripts/wine-env.sh"
+
+build="$root/build/x86_64"
+cmake -S "$root" -B "$build" -G Ninja -Wno-dev \
+  -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchain-x86_64-w64-mingw32.cmake" >/dev/null
+cmake --build "$build" --target MvSup2u SDKSatellite_0407 mvsup >/dev/null
+
+prefix="$root/build/demo-prefix"
+rm -rf "$prefix"
+wine_session_start "$prefix"
+trap wine_session_stop EXIT
+
+# The installation the sample configuration points at.
+install="$prefix/drive_c/Program Files/Corvell/Mervane Client"
+mkdir -p "$install/0407"
+cp "$build/bin/MvSup2u.dll" "$build/bin/mvsup.exe" "$install/"
+cp "$build/bin/0407/SDKSatellite.dll" "$install/0407/"
+wine regedit /S "$root/samples/client.reg"
+mkdir -p "$prefix/drive_c/users/$(whoami)/Documents/Mervane/Work"
+
+mvsup() { wine "$install/mvsup.exe" "$@"; }
+
+echo "== mvsup info (sample client configuration: samples/client.reg)"
+mvsup info

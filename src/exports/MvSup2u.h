@@ -1,0 +1,10 @@
+/* MvSup2u: the whole exported interface. */
+#ifndef MVSUP2U_H
+#define MVSUP2U_H
+
+#include "MvSupFrame.h"
+#include "MvSupSettings.h"
+#include "MvSupStorage.h"
+#include "MvSupLocale.h"
+
+#endif /* MVSUP2U_H */

@@ -1,0 +1,35 @@
+/* Resource identifiers shared by the library, its satellites and its code. */
+#ifndef MVSUP_RESOURCE_IDS_H
+#define MVSUP_RESOURCE_IDS_H
+
+#define MVSUP_VERSION_MAJOR 2
+#define MVSUP_VERSION_MINOR 0
+#define MVSUP_VERSION_PATCH 0
+#define MVSUP_VERSION_BUILD 0
+#define MVSUP_VERSION_TEXT "2.0.0.0"
+
+/* Display names of the item types. */
+#define IDS_ITEMTYPE_DOCUMENT        4942
+#define IDS_ITEMTYPE_COLLECTION      4943
+#define IDS_ITEMTYPE_SERVER          4944
+#define IDS_ITEMTYPE_CALENDAR        4945
+#define IDS_ITEMTYPE_TOPIC           4946
+#define IDS_ITEMTYPE_DISCUSSION      4947
+#define IDS_ITEMTYPE_URL             4948
+#define IDS_ITEMTYPE_SAVEDQUERY      4949
+#define IDS_ITEMTYPE_EVENT           4950
+#define IDS_ITEMTYPE_USER            4951
+#define IDS_ITEMTYPE_GROUP           4952
+#define IDS_ITEMTYPE_CLIENT          4953
+#define IDS_ITEMTYPE_UNKNOWN         4954
+#define IDS_ITEMTYPE_RENDITION       4959
+#define IDS_ITEMTYPE_VERSION         4960
+#define IDS_ITEMTYPE_SUBSCRIPTION    4961
+#define IDS_ITEMTYPE_OBJECT          4962
+#define IDS_ITEMTYPE_CONTENTELEMENT  4965
+#define IDS_ITEMTYPE_MAILMESSAGE     5090
+#define IDS_ITEMTYPE_WORKSPACE       5102
+#define IDS_ITEMTYPE_WIKI            5103
+#define IDS_ITEMTYPE_WEBLOG          5104
+
+#endif /* MVSUP_RESOURCE_IDS_H */
