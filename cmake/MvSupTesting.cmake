@@ -10,7 +10,7 @@ include(GoogleTest)
 
 file(GLOB MVSUP_TEST_COMMON_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/common/*.cpp)
 add_library(mvsup_testing STATIC ${MVSUP_TEST_COMMON_SOURCES})
-target_include_directories(mvsup_testing PUBLIC ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/src/exports)
+target_include_directories(mvsup_testing PUBLIC ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/src/exports ${CMAKE_SOURCE_DIR}/src)
 target_link_libraries(mvsup_testing PUBLIC mvsup_build_flags GTest::gtest GTest::gmock ${MVSUP_SYSTEM_LIBS})
 
 # mvsup_test_program(<subsystem> [DYNAMIC])

@@ -201,6 +201,15 @@ TEST_F(RegistryHelpers, FindDwordSkipsOtherTypesThatFitAndStopsAtLongerOnes) {
   DWORD value = 0;
   EXPECT_EQ(FindRegistryDWORD(HKEY_CURRENT_USER, kKey, 1, 10, L"", &value), 0);
   EXPECT_EQ(value, 9u);
+
+  // The enumeration reads 4 bytes of data: a longer value ends the search.
+  const std::wstring other = std::wstring(kKey) + L"\\Other";
+  // (Names in alphabetical order: Wine enumerates values sorted by name.)
+  set_string(HKEY_CURRENT_USER, other, L"A_Text", L"longer than four bytes");
+  set_dword(HKEY_CURRENT_USER, other, L"B_Dword", 9);
+  value = 0xdeadbeef;
+  EXPECT_EQ(FindRegistryDWORD(HKEY_CURRENT_USER, other.c_str(), 1, 10, L"B_Dword", &value), ERROR_MORE_DATA);
+  EXPECT_EQ(value, 0u);
 }
 
 }  // namespace

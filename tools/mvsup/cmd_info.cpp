@@ -77,7 +77,7 @@ struct Info {
 
 Info gather() {
   Info info{};
-  info.mode = static_cast<DWORD>(GetMvSupMode(0xFFFFFFFF));
+  info.mode = static_cast<DWORD>(GetMvSupMode(~MVSUP_MODE_RELOAD));
   for (int i = 0; i < 32; ++i)
     if (info.mode & (1u << i)) info.bits.push_back(describe_bit(1u << i));
   info.user_root = GetRootUserRegistryKey();
