@@ -13,19 +13,22 @@ add_library(mvsup_testing STATIC ${MVSUP_TEST_COMMON_SOURCES})
 target_include_directories(mvsup_testing PUBLIC ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/src/exports ${CMAKE_SOURCE_DIR}/src)
 target_link_libraries(mvsup_testing PUBLIC mvsup_build_flags GTest::gtest GTest::gmock ${MVSUP_SYSTEM_LIBS})
 
-# mvsup_test_program(<subsystem> [DYNAMIC])
+# mvsup_test_program(<subsystem> [DYNAMIC|INTERNAL])
 #   DYNAMIC: the program loads the DLL itself (LoadLibrary) instead of linking
 #   its import library, so that start-up can be tested after preparing the
 #   registry.
+#   INTERNAL: the program links the library's objects and tests internals
+#   that no export reaches (it does not load the DLL).
 function(mvsup_test_program subsystem)
-  cmake_parse_arguments(ARG "DYNAMIC" "" "" ${ARGN})
+  cmake_parse_arguments(ARG "DYNAMIC;INTERNAL" "" "" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${subsystem}/*.cpp)
   set(target test_${subsystem})
   add_executable(${target} ${sources})
   target_link_libraries(${target} PRIVATE mvsup_testing GTest::gtest_main)
   if(ARG_DYNAMIC)
     add_dependencies(${target} MvSup2u SDKSatellite_0407)
-    target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/src/exports)
+  elseif(ARG_INTERNAL)
+    target_link_libraries(${target} PRIVATE mvsup_objects)
   else()
     target_link_libraries(${target} PRIVATE MvSup2u_client)
     add_dependencies(${target} SDKSatellite_0407)
@@ -41,8 +44,10 @@ function(mvsup_test_program subsystem)
   set_tests_properties(${subsystem}.lists_tests PROPERTIES LABELS wine RESOURCE_LOCK wine_prefix)
 endfunction()
 
-# Subsystems whose start-up behaviour is under test load the DLL themselves.
+# Subsystems whose start-up behaviour is under test load the DLL themselves;
+# the tracer's rules below the exports are tested on its objects.
 set(MVSUP_DYNAMIC_TEST_PROGRAMS frame)
+set(MVSUP_INTERNAL_TEST_PROGRAMS tracer)
 
 file(GLOB test_dirs LIST_DIRECTORIES true ${CMAKE_SOURCE_DIR}/tests/*)
 foreach(dir IN LISTS test_dirs)
@@ -56,6 +61,8 @@ foreach(dir IN LISTS test_dirs)
   endif()
   if(name IN_LIST MVSUP_DYNAMIC_TEST_PROGRAMS)
     mvsup_test_program(${name} DYNAMIC)
+  elseif(name IN_LIST MVSUP_INTERNAL_TEST_PROGRAMS)
+    mvsup_test_program(${name} INTERNAL)
   else()
     mvsup_test_program(${name})
   endif()

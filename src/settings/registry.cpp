@@ -253,11 +253,14 @@ LONG WINAPI SetRegistryString(HKEY root, LPCWSTR subKey, LPCWSTR name, LPCWSTR t
 
 LONG WINAPI GetRegistryBinary(HKEY root, LPCWSTR subKey, LPCWSTR name, HGLOBAL* data, DWORD* size) {
   trace::CallScope scope("GetRegistryBinary");
-  return scope.res(registry::get_binary(root, subKey, name, data, size));
+  const LONG rc = registry::get_binary(root, subKey, name, data, size);
+  if (data != nullptr && *data != nullptr) trace::dump(*data, *size);
+  return scope.res(rc);
 }
 
 LONG WINAPI SetRegistryBinary(HKEY root, LPCWSTR subKey, LPCWSTR name, LPCVOID data, DWORD size) {
   trace::CallScope scope("SetRegistryBinary");
+  if (data != nullptr) trace::dump(data, size);
   return scope.res(registry::set_binary(root, subKey, name, data, size));
 }
 
