@@ -1,12 +1,12 @@
 #include "frame/trace.h"
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <string_view>
 
 #include "frame/library_state.h"
 #include "frame/text.h"
+#include "frame/win32_handles.h"
 #include "settings/registry.h"
 #include "settings/settings.h"
 
@@ -111,16 +111,32 @@ std::wstring file_name_for_thread() {
   return n.file_prefix + middle + L".log";
 }
 
-// Appends one whole record: open, one write, close.
+// Serialises the writes of this process. Taken only while a record is being
+// written, so tracing that is off never touches it.
+SRWLOCK g_write_lock = SRWLOCK_INIT;
+
+// Appends one whole record: open, one write, close. Records of concurrent
+// threads never interleave (the write lock), and the file is opened for
+// appending only; line ends are written as CRLF, as a text-mode stream would.
 void append(std::string_view record) noexcept {
   if (record.empty() || !(load() & flag::kActive)) return;
   try {
     const std::wstring path = file_name_for_thread();
     if (path.empty()) return;
-    FILE* file = ::_wfopen(path.c_str(), L"a+");
-    if (file == nullptr) return;
-    std::fwrite(record.data(), 1, record.size(), file);
-    std::fclose(file);
+    std::string bytes;
+    bytes.reserve(record.size() + record.size() / 16);
+    for (char c : record) {
+      if (c == '\n') bytes += '\r';
+      bytes += c;
+    }
+    ::AcquireSRWLockExclusive(&g_write_lock);
+    scope_exit unlock([] { ::ReleaseSRWLockExclusive(&g_write_lock); });
+    unique_file file(::CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                   nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) return;
+    DWORD written = 0;
+    ::WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    file.reset();
   } catch (...) {
     // A record that cannot be formatted or written is lost, never reported.
   }

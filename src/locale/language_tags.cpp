@@ -1,5 +1,7 @@
 // Language tags to Windows language identifiers, and ANSI text to UTF-8.
 #include <array>
+#include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -67,13 +69,20 @@ int ansi_to_utf8(const char* source, char* out, int out_size) noexcept {
   } else if (out == nullptr) {
     return 0;
   }
-  try {
-    const std::wstring wide = text::to_wide(std::string_view(source, std::char_traits<char>::length(source) + 1));
-    return ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), out, out_size, nullptr,
-                                 nullptr);
-  } catch (...) {
-    return 0;
+  // Short texts convert through a buffer on the stack; longer ones allocate.
+  wchar_t local[512];
+  std::unique_ptr<wchar_t[]> heap;
+  wchar_t* wide = local;
+  int units = ::MultiByteToWideChar(CP_ACP, 0, source, -1, local, 512);
+  if (units == 0) {
+    units = ::MultiByteToWideChar(CP_ACP, 0, source, -1, nullptr, 0);
+    if (units <= 0) return 0;
+    heap.reset(new (std::nothrow) wchar_t[static_cast<size_t>(units)]);
+    if (!heap) return 0;
+    wide = heap.get();
+    units = ::MultiByteToWideChar(CP_ACP, 0, source, -1, wide, units);
   }
+  return ::WideCharToMultiByte(CP_UTF8, 0, wide, units, out, out_size, nullptr, nullptr);
 }
 
 }  // namespace mvsup::locale

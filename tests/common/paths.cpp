@@ -18,9 +18,12 @@ TempDirectory::TempDirectory() {
   wchar_t base[MAX_PATH] = {};
   GetTempPathW(MAX_PATH, base);
   static LONG counter = 0;
-  path_ = std::wstring(base) + L"mvsup-test-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-          std::to_wstring(InterlockedIncrement(&counter));
-  if (!CreateDirectoryW(path_.c_str(), nullptr)) ADD_FAILURE() << "cannot create a temporary directory";
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    path_ = std::wstring(base) + L"mvsup-test-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+            std::to_wstring(GetTickCount64() % 1000000) + L"-" + std::to_wstring(InterlockedIncrement(&counter));
+    if (CreateDirectoryW(path_.c_str(), nullptr)) return;
+  }
+  ADD_FAILURE() << "cannot create a temporary directory";
 }
 
 TempDirectory::~TempDirectory() {
