@@ -6,5 +6,7 @@
 #include "MvSupSettings.h"
 #include "MvSupStorage.h"
 #include "MvSupLocale.h"
+#include "MvSupTypes.h"
+#include "MvSupCatalogue.h"
 
 #endif /* MVSUP2U_H */

@@ -32,4 +32,9 @@
 #define IDS_ITEMTYPE_WIKI            5103
 #define IDS_ITEMTYPE_WEBLOG          5104
 
+/* Messages of the check of the custom type assignments at user set-up. */
+#define IDS_CUSTOMTYPES_REPAIRING    5120
+#define IDS_CUSTOMTYPES_NOT_REPAIRED 5121
+#define IDS_CUSTOMTYPES_REPAIRED     5122
+
 #endif /* MVSUP_RESOURCE_IDS_H */

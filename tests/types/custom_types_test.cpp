@@ -1,0 +1,280 @@
+// Custom item types: numbering, labels and class records in the settings
+// store, checked against the raw registry.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "fake_client_item.h"
+#include "types_test_support.h"
+
+namespace mvsup::test {
+namespace {
+
+class CustomTypes : public RegistrySandbox {};
+
+constexpr const wchar_t* kInvoiceEncoded = L"0049006E0076006F006900630065";
+
+std::wstring custom_word(MVXITEMTYPE type) {
+  wchar_t buffer[400];
+  return MvxGetCustomItemTypeAsStringTS(type, buffer, 400);
+}
+
+std::wstring custom_display(MVXITEMTYPE type) {
+  wchar_t buffer[400];
+  return MvxGetCustomItemTypeAsDisplayStringTS(type, buffer, 400);
+}
+
+TEST_F(CustomTypes, ClassWordsAreStoredAsHexUnits) {
+  MVXITEMTYPE type = 0;
+  EXPECT_EQ(MvxCreateCustomItemType(L"Invoice-17", &type), 1);
+  EXPECT_EQ(type, 33);
+  EXPECT_EQ(read_value(HKEY_CURRENT_USER, kMapsKey, kInvoiceEncoded).as_dword(), 1u);
+  EXPECT_EQ(read_value(HKEY_CURRENT_USER, kMapsKey, kInvoiceEncoded).type, static_cast<DWORD>(REG_DWORD));
+  EXPECT_EQ(MvxGetCustomItemType(L"Invoice"), 33);
+  EXPECT_EQ(MvxGetCustomItemType(L"Invoice-99"), 33);
+  EXPECT_EQ(MvxGetCustomItemType(L"invoice"), 16);
+  EXPECT_EQ(MvxGetCustomItemType(L""), 16);
+  EXPECT_EQ(MvxGetCustomItemType(nullptr), 16);
+
+  EXPECT_EQ(create_type(L"\u00dc\u20ac\U0001F600"), 34);
+  EXPECT_TRUE(value_exists(HKEY_CURRENT_USER, kMapsKey, L"00DC20ACD83DDE00"));
+  EXPECT_EQ(custom_word(34), L"\u00dc\u20ac\U0001F600");
+}
+
+TEST_F(CustomTypes, NumbersGrowAndAreNeverReused) {
+  EXPECT_EQ(create_type(L"Invoice"), 33);
+  EXPECT_EQ(create_type(L"Order"), 34);
+  // Created again: a new number, the old one is gone.
+  EXPECT_EQ(create_type(L"Invoice"), 35);
+  EXPECT_EQ(MvxGetCustomItemType(L"Invoice"), 35);
+  EXPECT_EQ(custom_word(33), L"");
+  EXPECT_EQ(custom_word(34), L"Order");
+  EXPECT_EQ(custom_word(35), L"Invoice");
+
+  EXPECT_EQ(MvxDeleteCustomItemType(L"Invoice"), 1);
+  EXPECT_EQ(MvxGetCustomItemType(L"Invoice"), 16);
+  EXPECT_EQ(MvxDeleteCustomItemType(L"Invoice"), 0);
+  EXPECT_EQ(create_type(L"Receipt"), 35);  // one above the highest left: Order's 2
+  EXPECT_EQ(MvxDeleteCustomItemType(L"Receipt"), 1);
+  EXPECT_EQ(MvxDeleteCustomItemType(L"Order"), 1);
+  EXPECT_EQ(create_type(L"Memo"), 33);
+
+  MVXITEMTYPE type = 0;
+  EXPECT_EQ(MvxCreateCustomItemType(L"", &type), 0);
+  EXPECT_EQ(type, 16);
+  EXPECT_EQ(MvxCreateCustomItemType(L"-5", nullptr), 0);
+  EXPECT_EQ(MvxDeleteCustomItemType(nullptr), 0);
+  EXPECT_FALSE(value_exists(HKEY_CURRENT_USER, kMapsKey, L""));
+}
+
+TEST_F(CustomTypes, NumbersContinueFromAssignmentsMadeElsewhere) {
+  set_dword(HKEY_CURRENT_USER, kMapsKey, L"004100410041", 40);
+  set_string(HKEY_CURRENT_USER, kMapsKey, L"00420042", L"not a number");
+  EXPECT_EQ(create_type(L"Invoice"), 73);
+  EXPECT_EQ(custom_word(72), L"AAA");
+  EXPECT_EQ(GetMvxItemTypeFromString(L"AAA-1"), 72);
+}
+
+TEST_F(CustomTypes, LookupByNumberDecodesOnlyHexNames) {
+  set_dword(HKEY_CURRENT_USER, kMapsKey, L"Foo", 5);
+  set_dword(HKEY_CURRENT_USER, kMapsKey, L"0046006f006F", 6);
+  set_dword(HKEY_CURRENT_USER, kMapsKey, L"00460", 7);
+  set_dword(HKEY_CURRENT_USER, kMapsKey, L"0046006G", 8);
+  EXPECT_EQ(custom_word(37), L"Foo");
+  EXPECT_EQ(custom_word(38), L"Foo");
+  EXPECT_EQ(custom_word(39), L"00460");
+  EXPECT_EQ(custom_word(40), L"0046006G");
+  EXPECT_EQ(custom_word(41), L"");
+  EXPECT_EQ(custom_word(32), L"");
+  EXPECT_EQ(custom_word(-1), L"");
+
+  wchar_t buffer[8];
+  std::fill(std::begin(buffer), std::end(buffer), L'#');
+  EXPECT_EQ(MvxGetCustomItemTypeAsStringTS(37, buffer, 3), buffer);
+  EXPECT_STREQ(buffer, L"Fo");
+  EXPECT_EQ(buffer[3], L'#');
+  EXPECT_EQ(MvxGetCustomItemTypeAsStringTS(37, nullptr, 3), nullptr);
+}
+
+TEST_F(CustomTypes, ADataValueThatIsNoDwordEndsTheLookupButNotTheNumbering) {
+  // Created first and sorting first, so it comes first in any enumeration.
+  set_string(HKEY_CURRENT_USER, kMapsKey, L"!", L"long text");
+  EXPECT_EQ(create_type(L"Invoice"), 33);
+  EXPECT_EQ(MvxGetCustomItemType(L"Invoice"), 33);
+  EXPECT_EQ(custom_word(33), L"");
+}
+
+TEST_F(CustomTypes, LongClassWordsPassThroughWhileSharedBuffersHold79) {
+  const std::wstring word(100, L'L');
+  EXPECT_EQ(create_type(word.c_str()), 33);
+  EXPECT_EQ(create_type(L"Short"), 34);
+  EXPECT_EQ(custom_word(33), word);
+  EXPECT_EQ(custom_word(34), L"Short");
+  EXPECT_EQ(std::wstring(MvxGetCustomItemTypeAsString(33)), word.substr(0, 79));
+  EXPECT_EQ(std::wstring(GetMvxItemTypeAsString(33)), word.substr(0, 79));
+  EXPECT_EQ(word_of(33), word);
+  EXPECT_EQ(GetMvxItemTypeFromString((word + L"-2").c_str()), 33);
+
+  // Only the first 383 characters make the class word.
+  const std::wstring longest(383, L'M');
+  EXPECT_EQ(create_type((longest + L"XYZ").c_str()), 35);
+  EXPECT_EQ(MvxGetCustomItemType(longest.c_str()), 35);
+  EXPECT_EQ(custom_word(35), longest);
+}
+
+TEST_F(CustomTypes, LabelsAreWrittenEncodedButReadUnderThePlainWord) {
+  EXPECT_EQ(create_type(L"Invoice"), 33);
+  EXPECT_EQ(MvxSetCustomItemLabel(L"Invoice", L"Rechnung"), 1);
+  EXPECT_EQ(read_value(HKEY_CURRENT_USER, kNamesKey, kInvoiceEncoded).as_string(), L"Rechnung");
+  EXPECT_EQ(custom_display(33), L"Invoice");
+
+  set_string(HKEY_CURRENT_USER, kNamesKey, L"Invoice", L"Bill");
+  EXPECT_EQ(custom_display(33), L"Bill");
+  EXPECT_STREQ(MvxGetCustomItemTypeAsDisplayString(33), L"Bill");
+  wchar_t buffer[40];
+  EXPECT_EQ(GetMvxItemTypeAsDisplayString(33, buffer, 40), 1);
+  EXPECT_STREQ(buffer, L"Bill");
+  EXPECT_EQ(custom_word(33), L"Invoice");
+
+  set_string(HKEY_CURRENT_USER, kNamesKey, L"Invoice", std::wstring(100, L'b'));
+  EXPECT_EQ(custom_display(33), std::wstring(80, L'b'));
+  set_string(HKEY_CURRENT_USER, kNamesKey, L"Invoice", L"");
+  EXPECT_EQ(custom_display(33), L"Invoice");
+  EXPECT_EQ(custom_display(34), L"");
+
+  // A label that only repeats the text, or none, deletes the stored one.
+  EXPECT_EQ(MvxSetCustomItemLabel(L"Invoice", L"invoice"), 1);
+  EXPECT_FALSE(value_exists(HKEY_CURRENT_USER, kNamesKey, kInvoiceEncoded));
+  EXPECT_EQ(MvxSetCustomItemLabel(L"Invoice-3", L"Bill"), 1);
+  EXPECT_EQ(read_value(HKEY_CURRENT_USER, kNamesKey, kInvoiceEncoded).as_string(), L"Bill");
+  EXPECT_EQ(MvxSetCustomItemLabel(L"Invoice-3", nullptr), 1);
+  EXPECT_FALSE(value_exists(HKEY_CURRENT_USER, kNamesKey, kInvoiceEncoded));
+  EXPECT_EQ(MvxSetCustomItemLabel(L"", L"x"), 0);
+
+  EXPECT_EQ(MvxSetCustomItemLabel(L"Invoice", L"Rechnung"), 1);
+  EXPECT_EQ(MvxDeleteCustomItemType(L"Invoice"), 1);
+  EXPECT_FALSE(value_exists(HKEY_CURRENT_USER, kNamesKey, kInvoiceEncoded));
+  EXPECT_FALSE(value_exists(HKEY_CURRENT_USER, kMapsKey, kInvoiceEncoded));
+}
+
+TEST_F(CustomTypes, ClassRecordsAreFiledPerServerPart) {
+  const std::wstring record = kClassesKey + L"\\http://srv/\\Invoice";
+  EXPECT_EQ(MvxMapSuperclassItemType(L"http://srv/mvcgi/mv.py/abc", L"Invoice", L"File"), 1);
+  EXPECT_EQ(read_value(HKEY_CURRENT_USER, record, nullptr).as_string(), L"File");
+  EXPECT_EQ(read_value(HKEY_CURRENT_USER, kMapsKey, kInvoiceEncoded).as_dword(), 1u);
+  // Recorded again: the number stays.
+  EXPECT_EQ(MvxMapSuperclassItemType(L"http://srv/mvcgi/mv.py/", L"Invoice", L"Collection"), 1);
+  EXPECT_EQ(read_value(HKEY_CURRENT_USER, record, nullptr).as_string(), L"Collection");
+  EXPECT_EQ(MvxGetCustomItemType(L"Invoice"), 33);
+  EXPECT_EQ(MvxMapSuperclassItemType(L"http://srv/", L"Order", L"Invoice"), 1);
+  EXPECT_EQ(MvxGetCustomItemType(L"Order"), 34);
+
+  const LPCWSTR version[] = {L"version", L"Invoice"};
+  const LPCWSTR invoice[] = {L"Invoice"};
+  const LPCWSTR content[] = {L"CONTELEM"};
+  const LPCWSTR rendition[] = {L"Rendition"};
+  const LPCWSTR none[] = {nullptr};
+  struct Case {
+    BOOL has_children;
+    const LPCWSTR* children;
+    DWORD flags;
+  } cases[] = {{TRUE, version, 2}, {TRUE, invoice, 3}, {TRUE, content, 2}, {TRUE, rendition, 2},
+               {FALSE, invoice, 0}, {TRUE, none, 3},   {TRUE, nullptr, 3}};
+  for (const Case& c : cases) {
+    EXPECT_EQ(MvxMapChildItemTypes(L"http://srv/mvcgi/mv.py/", L"Invoice", c.has_children, c.children), 1);
+    EXPECT_EQ(read_value(HKEY_CURRENT_USER, record, L"Flags").as_dword(), c.flags);
+  }
+
+  wchar_t superclass[40];
+  DWORD flags = 99;
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(L"Invoice-8", L"http://srv/", superclass, &flags), 33);
+  EXPECT_STREQ(superclass, L"Collection");
+  EXPECT_EQ(flags, 3u);
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(L"Invoice", L"http://srv/", nullptr, nullptr), 33);
+  superclass[0] = L'x';
+  flags = 99;
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(L"Invoice", L"http://other/", superclass, &flags), 0);
+  EXPECT_STREQ(superclass, L"");
+  EXPECT_EQ(flags, 0u);
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(L"Invoice", L"", superclass, &flags), 0);
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(L"Invoice", nullptr, nullptr, nullptr), 0);
+}
+
+TEST_F(CustomTypes, ClassRecordKeysAreLimitedTo254Characters) {
+  // 26 for "MVSUP\CustomTypes\Classes\", then server and class word.
+  const std::wstring server(200, L's');
+  EXPECT_EQ(MvxMapSuperclassItemType(server.c_str(), std::wstring(29, L'c').c_str(), L"File"), 0);
+  EXPECT_EQ(MvxMapChildItemTypes(server.c_str(), std::wstring(29, L'c').c_str(), FALSE, nullptr), 0);
+  EXPECT_FALSE(key_exists(HKEY_CURRENT_USER, kClassesKey));
+  EXPECT_FALSE(key_exists(HKEY_CURRENT_USER, kMapsKey));
+
+  const std::wstring word(28, L'c');
+  EXPECT_EQ(MvxMapSuperclassItemType(server.c_str(), word.c_str(), L"File"), 1);
+  EXPECT_EQ(MvxMapChildItemTypes(server.c_str(), word.c_str(), TRUE, nullptr), 1);
+  EXPECT_TRUE(key_exists(HKEY_CURRENT_USER, kClassesKey + L"\\" + server + L"\\" + word));
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(word.c_str(), server.c_str(), nullptr, nullptr), 33);
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType((word + L"c").c_str(), server.c_str(), nullptr, nullptr), 0);
+
+  EXPECT_EQ(MvxMapSuperclassItemType(L"", L"Invoice", L"File"), 0);
+  EXPECT_EQ(MvxMapSuperclassItemType(L"mvcgi/mv.py/", L"Invoice", L"File"), 0);
+  EXPECT_EQ(MvxMapSuperclassItemType(L"srv", nullptr, L"File"), 0);
+}
+
+TEST_F(CustomTypes, ClientDefinedNumbersAnUnknownClass) {
+  set_string(HKEY_CURRENT_USER, kClassesKey + L"\\srv\\Memo", nullptr, L"File");
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(L"Memo-4", L"srv", nullptr, nullptr), 33);
+  EXPECT_EQ(MvxGetCustomItemType(L"Memo"), 33);
+  // A superclass word that does not fit the 40-character buffer is not read.
+  set_string(HKEY_CURRENT_USER, kClassesKey + L"\\srv\\Memo", nullptr, std::wstring(40, L'S'));
+  wchar_t superclass[40];
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(L"Memo", L"srv", superclass, nullptr), 33);
+  EXPECT_STREQ(superclass, L"");
+  set_string(HKEY_CURRENT_USER, kClassesKey + L"\\srv\\Memo", nullptr, std::wstring(39, L'S'));
+  EXPECT_EQ(MvxGetClientDefinedCustomItemType(L"Memo", L"srv", superclass, nullptr), 33);
+  EXPECT_EQ(std::wstring(superclass), std::wstring(39, L'S'));
+}
+
+TEST_F(CustomTypes, SuperclassAndContainerLookupWithAndWithoutAnObject) {
+  // Server "a" sorts before "b": without an object, "a" answers.
+  EXPECT_EQ(MvxMapSuperclassItemType(L"b", L"Invoice", L"Receipt"), 1);
+  EXPECT_EQ(MvxMapSuperclassItemType(L"a", L"Invoice", L"File"), 1);
+  const LPCWSTR folder[] = {L"Invoice"};
+  const LPCWSTR leaf[] = {L"Version"};
+  EXPECT_EQ(MvxMapChildItemTypes(L"a", L"Invoice", TRUE, folder), 1);
+  EXPECT_EQ(MvxMapChildItemTypes(L"b", L"Invoice", TRUE, leaf), 1);
+
+  EXPECT_EQ(MvxGetSuperclassItemType(L"Invoice-5", nullptr), 3);
+  EXPECT_EQ(MvxGetSuperclassItemTypeA("Invoice", nullptr), 3);
+  EXPECT_EQ(MvxIsCustomContainerType(L"Invoice", nullptr), 1);
+
+  FakeClientItem on_b(L"Invoice", L"b");
+  const MVXITEMTYPE receipt = MvxGetSuperclassItemType(L"Invoice", on_b.unknown());
+  EXPECT_EQ(receipt, 34);  // numbered on the way
+  EXPECT_EQ(MvxGetCustomItemType(L"Receipt"), 34);
+  EXPECT_EQ(MvxGetSuperclassItemType(L"Invoice", on_b.unknown()), 34);
+  EXPECT_EQ(MvxIsCustomContainerType(L"Invoice", on_b.unknown()), 0);
+  EXPECT_EQ(on_b.server_calls(), 3);
+  EXPECT_EQ(on_b.extra_references(), 0);
+
+  // An object names only its own server: no search of the others.
+  FakeClientItem on_c(L"Invoice", L"c");
+  EXPECT_EQ(MvxGetSuperclassItemType(L"Invoice", on_c.unknown()), 0);
+  EXPECT_EQ(MvxIsCustomContainerType(L"Invoice", on_c.unknown()), 0);
+  FakeClientItem no_server(L"Invoice", L"");
+  EXPECT_EQ(MvxGetSuperclassItemType(L"Invoice", no_server.unknown()), 0);
+  FakeClientItem stranger(L"Invoice", L"a", false);
+  EXPECT_EQ(MvxGetSuperclassItemType(L"Invoice", stranger.unknown()), 0);
+  EXPECT_EQ(stranger.server_calls(), 0);
+  EXPECT_EQ(stranger.extra_references(), 0);
+
+  EXPECT_EQ(MvxGetSuperclassItemType(L"", nullptr), 0);
+  EXPECT_EQ(MvxGetSuperclassItemType(nullptr, nullptr), 0);
+  EXPECT_EQ(MvxGetSuperclassItemType(L"Order", nullptr), 0);
+  EXPECT_EQ(MvxIsCustomContainerType(L"Order", nullptr), 0);
+  EXPECT_EQ(MvxIsCustomContainerType(nullptr, nullptr), 0);
+}
+
+}  // namespace
+}  // namespace mvsup::test
