@@ -8,5 +8,6 @@
 #include "MvSupLocale.h"
 #include "MvSupTypes.h"
 #include "MvSupCatalogue.h"
+#include "MvSupCodec.h"
 
 #endif /* MVSUP2U_H */
