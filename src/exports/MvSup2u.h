@@ -9,5 +9,7 @@
 #include "MvSupTypes.h"
 #include "MvSupCatalogue.h"
 #include "MvSupCodec.h"
+#include "MvSupItemInfo.h"
+#include "MvSupTime.h"
 
 #endif /* MVSUP2U_H */

@@ -1,0 +1,166 @@
+// Creating, copying, opening, committing and closing item infos, and who
+// frees which value block.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "iteminfo/support.h"
+
+namespace mvsup::test {
+namespace {
+
+TEST(ItemInfoLifecycle, CreateAndCopyAllocateFourSpareBytes) {
+  EXPECT_EQ(MvxCreateItemInfo(nullptr), E_POINTER);
+
+  Committed source(Bytes().header(54).u16(254).u16(1).u32(4).u32(8).u16(0));
+  source.get()[54] = 0x77;  // past the size field: not copied
+  Committed copy;
+  ASSERT_EQ(MvxCopyItemInfo(source.get(), copy.put()), S_OK);
+  ASSERT_NE(copy.get(), source.get());
+  EXPECT_GE(GlobalSize(copy.get()), 58u);
+  EXPECT_EQ(Hex(ByteVector(copy.get(), copy.get() + 58)),
+            Hex(Bytes().header(54).u16(254).u16(1).u32(4).u32(8).u16(0).zeros(4)));
+
+  BYTE* untouched = reinterpret_cast<BYTE*>(0x1234);
+  source.get()[0] = 39;
+  EXPECT_EQ(MvxCopyItemInfo(source.get(), &untouched), E_INVALIDARG);
+  EXPECT_EQ(MvxCopyItemInfo(nullptr, &untouched), E_POINTER);
+  EXPECT_EQ(untouched, reinterpret_cast<BYTE*>(0x1234));
+  EXPECT_EQ(MvxCopyItemInfo(source.get(), nullptr), E_POINTER);
+  EXPECT_EQ(FreeMvxInfo(nullptr), nullptr);
+}
+
+TEST(ItemInfoLifecycle, UpdateMovesTheItemInfoOntoANewBlock) {
+  Committed holder;
+  BYTE* block = Committed::create().release();
+  Opened info(block);
+  MvxAddInteger(info, MvxAddAttribute(info, AddProperty(info, 0x80000040), 16), 300);
+  BYTE* const old = block;
+  ASSERT_EQ(MvxUpdateItemInfo(info, &block), S_OK);
+  holder.reset(block);  // the old block was freed by the update
+  EXPECT_NE(block, old);
+  EXPECT_EQ(LoadU32(block), MvxGetCommitSpace(info));
+  EXPECT_EQ(LoadU32(block + 8), 300u);
+  EXPECT_EQ(info.internals().buffer, block);
+
+  // A null in/out block only receives the new one.
+  BYTE* fresh = nullptr;
+  ASSERT_EQ(MvxUpdateItemInfo(info, &fresh), S_OK);
+  holder.reset(fresh);
+  EXPECT_EQ(info.internals().buffer, fresh);
+
+  EXPECT_EQ(MvxUpdateItemInfo(info, nullptr), E_POINTER);
+  BYTE* unchanged = fresh;
+  EXPECT_EQ(MvxUpdateItemInfo(nullptr, &unchanged), S_OK);
+  EXPECT_EQ(unchanged, fresh);
+}
+
+TEST(ItemInfoLifecycle, OpenOverNothingStartsEmpty) {
+  Committed committed;
+  Opened info(nullptr);
+  ASSERT_NE(info.get(), nullptr);
+  EXPECT_EQ(MvxGetCommitSpace(info), 40u);
+  MvxAddString(info, MvxAddAttribute(info, AddProperty(info, 2), 16), L"t");
+  EXPECT_EQ(Hex(CommitExactly(info, committed)),
+            Hex(Bytes().header(72).u16(254).u16(1).u32(2).u32(8).u16(1).u32(16).u32(8).u16(1).u32(4).text(L"t")));
+}
+
+TEST(ItemInfoLifecycle, CommitRefusesTheBlockItWasOpenedOver) {
+  Committed source(Bytes().header(54).u16(254).u16(1).u32(4).u32(8).u16(0));
+  const ByteVector before = source.bytes();
+  Opened info(source.get());
+  AddProperty(info, 6);
+  EXPECT_EQ(MvxCommit(info, source.get()), 0u);
+  EXPECT_EQ(MvxCommit(info, source.get() + 20), 0u);
+  EXPECT_EQ(Hex(source.bytes()), Hex(before));
+  EXPECT_EQ(info.internals().buffer, source.get());
+}
+
+// Large blocks come straight from virtual memory and go back to it when
+// freed, so a released block shows as no longer committed.
+constexpr size_t kLarge = 4 << 20;
+
+bool IsCommitted(const void* address) {
+  MEMORY_BASIC_INFORMATION region{};
+  return VirtualQuery(address, &region, sizeof region) == sizeof region && region.State == MEM_COMMIT;
+}
+
+class ValueOwnership : public ::testing::Test {
+ protected:
+  PMVXVALUE AddLarge(HMVXINFO info, DWORD property) {
+    PMVXVALUE value = MvxAddBinary(info, MvxAddAttribute(info, AddProperty(info, property), 16), large_.data(),
+                                   static_cast<DWORD>(large_.size()));
+    EXPECT_NE(value, nullptr);
+    EXPECT_TRUE(IsCommitted(value));
+    return value;
+  }
+  std::vector<BYTE> large_ = std::vector<BYTE>(kLarge, 0x5a);
+};
+
+TEST_F(ValueOwnership, CloseFreesTheBlocksOutsideTheBuffer) {
+  Committed created = Committed::create();
+  PMVXVALUE value;
+  {
+    Opened info(created.get());
+    value = AddLarge(info, 4);
+  }
+  EXPECT_FALSE(IsCommitted(value));
+}
+
+TEST_F(ValueOwnership, AnItemInfoThatNeverHadABufferLeavesItsValuesToTheCaller) {
+  PMVXVALUE value;
+  {
+    Opened info(nullptr);
+    value = AddLarge(info, 4);
+  }
+  ASSERT_TRUE(IsCommitted(value));
+  EXPECT_EQ(LoadU32(value), kLarge);
+  EXPECT_EQ(value[4 + kLarge - 1], 0x5a);
+  EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, value));
+  EXPECT_FALSE(IsCommitted(value));
+}
+
+// Plain commits: the large blocks make byte-wise comparisons slow.
+void CommitInto(HMVXINFO info, Committed& into) {
+  into.reset(static_cast<BYTE*>(GlobalAlloc(GMEM_FIXED, MvxGetCommitSpace(info))));
+  ASSERT_NE(into.get(), nullptr);
+  EXPECT_EQ(MvxCommit(info, into.get()), MvxGetCommitSpace(info));
+}
+
+TEST_F(ValueOwnership, CommitFreesMovedHeapBlocksAndNeverTheOldBuffer) {
+  Committed first, second;
+  Opened info(nullptr);
+  PMVXVALUE value = AddLarge(info, 4);
+  CommitInto(info, first);
+  EXPECT_FALSE(IsCommitted(value)) << "the heap block moved into the commit";
+
+  // Values inside the old buffer are copied, not freed: the buffer stays whole.
+  const ByteVector before = first.bytes();
+  HMVXATTR values = MvxFindAttribute(info, FindProperty(info, 4), 16);
+  PMVXVALUE in_first = MvxGetAttributeValue(info, values, 0);
+  EXPECT_GT(in_first, first.get());
+  CommitInto(info, second);
+  EXPECT_TRUE(first.bytes() == before);
+  EXPECT_GT(MvxGetAttributeValue(info, values, 0), second.get());
+  EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
+}
+
+TEST_F(ValueOwnership, DeleteAndReplaceFreeHeapBlocksOnly) {
+  Committed created = Committed::create();
+  Opened info(created.get());
+  PMVXVALUE first = AddLarge(info, 4);
+  PMVXVALUE second = AddLarge(info, 6);
+  MvxDeleteAttributeValue(info, MvxFindAttribute(info, FindProperty(info, 4), 16), 0);
+  EXPECT_FALSE(IsCommitted(first));
+  PMVXVALUE bigger = MvxReplaceString(info, MvxFindAttribute(info, FindProperty(info, 6), 16), 0,
+                                      std::wstring(kLarge, L'x').c_str());
+  ASSERT_NE(bigger, nullptr);
+  EXPECT_NE(bigger, second);
+  EXPECT_FALSE(IsCommitted(second));
+  EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
+}
+
+}  // namespace
+}  // namespace mvsup::test

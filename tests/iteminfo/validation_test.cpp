@@ -1,0 +1,301 @@
+// Blocks that do not hold together: placed flush against an inaccessible
+// page, so that any read past the size field faults the test.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <cwchar>
+#include <iterator>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "common/guard_page.h"
+#include "iteminfo/support.h"
+
+namespace mvsup::test {
+namespace {
+
+namespace ii = mvsup::iteminfo;
+
+// header | 254, N = 1 | (2, 8) | A = 1 (16, 8) | V = 1 | L = 4 "T"
+//  0       40  42       44       52    54        62      64    68
+Bytes TitleBlock() {
+  return Bytes().header(72).u16(254).u16(1).u32(2).u32(8).u16(1).u32(16).u32(8).u16(1).u32(4).text(L"T");
+}
+
+void Put16(ByteVector& bytes, size_t at, uint16_t value) { std::memcpy(&bytes[at], &value, 2); }
+void Put32(ByteVector& bytes, size_t at, uint32_t value) { std::memcpy(&bytes[at], &value, 4); }
+
+// The first offset at which the shared reader stops.
+int64_t FaultOffset(const BYTE* block, size_t available) {
+  ii::NullVisitor visitor;
+  const auto fault = ii::walk_block(block, available, visitor);
+  return fault ? static_cast<int64_t>(fault->offset) : -1;
+}
+
+struct Malformed {
+  const char* what;
+  ByteVector bytes;
+  int64_t fault;
+};
+
+std::vector<Malformed> MalformedBlocks() {
+  const ByteVector base = TitleBlock();
+  std::vector<Malformed> cases;
+  const auto with = [&](const char* what, int64_t fault, auto change) {
+    ByteVector bytes = base;
+    change(bytes);
+    cases.push_back({what, bytes, fault});
+  };
+  with("size field below the header", 0, [](ByteVector& b) { b.resize(39), Put32(b, 0, 39); });
+  with("section cut short", 40, [](ByteVector& b) { b.resize(42), Put32(b, 0, 42); });
+  with("entry count past the end", 42, [](ByteVector& b) { Put16(b, 42, 0xffff); });
+  with("entry count that puts the first body inside the table", 48, [](ByteVector& b) { Put16(b, 42, 2); });
+  with("entry offset past the end", 48, [](ByteVector& b) { Put32(b, 48, 0xffffffff); });
+  with("entry body inside the table", 48, [](ByteVector& b) { Put32(b, 48, 0); });
+  with("attribute count past the end", 52, [](ByteVector& b) { Put16(b, 52, 0xffff); });
+  with("attribute offset past the end", 58, [](ByteVector& b) { Put32(b, 58, 0xfffffff0); });
+  with("attribute body inside its table", 58, [](ByteVector& b) { Put32(b, 58, 4); });
+  with("value count past the end", 72, [](ByteVector& b) { Put16(b, 62, 2); });
+  with("value length past the end", 64, [](ByteVector& b) { Put32(b, 64, 5); });
+  with("value length wrapping", 64, [](ByteVector& b) { Put32(b, 64, 0xfffffffc); });
+  with("truncated value", 64, [](ByteVector& b) { b.resize(70), Put32(b, 0, 70); });
+  with("custom name without terminator", 64, [](ByteVector& b) {
+    Put32(b, 44, 1);
+    Put32(b, 54, 2);
+    Put32(b, 68, 0x00550054);
+  });
+  // Two entries sharing one body would commit to more than the size field.
+  ByteVector shared = Bytes().header(80).u16(254).u16(2).u32(2).u32(16).u32(4).u32(16).u16(1).u32(16).u32(8).u16(1)
+                          .u32(4).u32(9);
+  cases.push_back({"two entries sharing a body", shared, 56});
+  return cases;
+}
+
+TEST(BlockValidation, BlocksThatDoNotHoldTogetherAreRefused) {
+  for (const Malformed& entry : MalformedBlocks()) {
+    SCOPED_TRACE(entry.what);
+    GuardedBuffer block(entry.bytes.data(), entry.bytes.size());
+    EXPECT_EQ(FaultOffset(block.data(), block.size()), entry.fault);
+    EXPECT_EQ(MvxOpen(block.data()), nullptr);
+    EXPECT_EQ(MvxFindTitleValue(block.data()), nullptr);
+  }
+}
+
+TEST(BlockValidation, ValidBlockFlushAgainstTheGuardOpens) {
+  const ByteVector bytes = TitleBlock();
+  GuardedBuffer block(bytes.data(), bytes.size());
+  EXPECT_EQ(FaultOffset(block.data(), block.size()), -1);
+  EXPECT_STREQ(MvxFindTitleValue(block.data()), L"T");
+  Committed committed;
+  Opened info(block.data());
+  ASSERT_NE(info.get(), nullptr);
+  EXPECT_EQ(Hex(CommitExactly(info, committed)), Hex(bytes));
+  // A table whose count wrapped leaves a gap before the bodies: still whole.
+  ByteVector gap = Bytes().header(62).u16(254).u16(1).u32(4).u32(16).u32(0xaaaaaaaa).u32(0xbbbbbbbb).u16(0);
+  GuardedBuffer gapped(gap.data(), gap.size());
+  Opened with_gap(gapped.data());
+  EXPECT_NE(with_gap.get(), nullptr);
+  EXPECT_NE(FindProperty(with_gap, 4), nullptr);
+}
+
+// Records where a block's structural fields are, for targeted mutations.
+struct FieldRecorder {
+  std::vector<std::pair<uint32_t, int>> fields;  // offset, width
+  void on_header(uint32_t) {}
+  void on_section(uint16_t, uint16_t) { fields.push_back({42, 2}); }
+  bool on_entry(const ii::EntryView& entry) {
+    fields.push_back({entry.table_offset, 4});
+    fields.push_back({entry.table_offset + 4, 4});
+    fields.push_back({entry.body_offset, 2});
+    return true;
+  }
+  bool on_attribute(const ii::EntryView&, const ii::AttributeView& attribute) {
+    fields.push_back({attribute.table_offset, 4});
+    fields.push_back({attribute.table_offset + 4, 4});
+    fields.push_back({attribute.body_offset, 2});
+    return true;
+  }
+  void on_value(const ii::AttributeView&, const ii::ValueView& value) { fields.push_back({value.offset, 4}); }
+};
+
+std::vector<ByteVector> Seeds() {
+  std::vector<ByteVector> seeds;
+  Committed created = Committed::create();
+  Committed committed;
+  Opened info(created.get());
+  HMVXPROP handle = AddProperty(info, 32);
+  MvxAddPropertyType(info, MvxAddAttribute(info, handle, 1), 11);
+  MvxAddMvHandle(info, MvxAddAttribute(info, handle, 16), 3, 77, L"Doc");
+  MvxAddString(info, MvxAddAttribute(info, AddProperty(info, 2), 16), L"Quarterly figures");
+  HMVXATTR acl = MvxAddAttribute(info, AddProperty(info, 0x4000), 16);
+  MvxAddACE(info, acl, 5, 1, L"team", 7);
+  MvxAddACE(info, acl, 5, 2, nullptr, 1);
+  MvxAddDateTime(info, MvxAddAttribute(info, AddProperty(info, 256), 16), 0x01d710b4, 0x16006000);
+  HMVXATTR parents = MvxAddAttribute(info, AddProperty(info, 1024), 16);
+  for (DWORD i = 1; i <= 3; ++i) MvxAddMvHandle(info, parents, 2, i, L"p");
+  MvxAddInteger(info, MvxAddAttribute(info, AddProperty(info, 0x80000040), 16), 4096);
+  HMVXPROP custom = AddCustomProperty(info, L"client_data");
+  MvxAddPropertyType(info, MvxAddAttribute(info, custom, 1), 1);
+  MvxAddString(info, MvxAddAttribute(info, custom, 16), L"x=1");
+  MvxAddBinary(info, MvxAddAttribute(info, AddCustomProperty(info, L"raw"), 16), "\x00\x01\x02", 3);
+  MvxAddAttribute(info, AddProperty(info, 0x700), 0x55);
+  seeds.push_back(CommitExactly(info, committed));
+  seeds.push_back(TitleBlock());
+  seeds.push_back(Bytes().header(44).u16(254).u16(0));
+  return seeds;
+}
+
+// Everything an open item info holds, read through the exports; reads that
+// leave a value's bytes fault on the guard page.
+size_t TouchEverything(HMVXINFO info) {
+  ii::ItemInfo& internals = *ii::from_handle(info);
+  size_t touched = 0;
+  const auto touch_property = [&](HMVXPROP property) {
+    EXPECT_EQ(MvxGetAttributeCount(info, property),
+              static_cast<SHORT>(ii::from_handle(property)->attributes.size()));
+    HMVXPOS position = MvxGetHeadAttribute(info, property);
+    while (HMVXATTR attribute = MvxGetNextAttribute(info, nullptr, &position)) {
+      const int count = MvxGetAttributeValuesCount(info, attribute);
+      for (int i = 0; i < count; ++i) {
+        PMVXVALUE value = MvxGetAttributeValue(info, attribute, i);
+        BYTE* data = nullptr;
+        DWORD size = 0;
+        MvxGetBinary(info, value, &data, &size);
+        if (size != 0) touched += data[size - 1];
+        LPWSTR title = nullptr;
+        MvxGetMvHandle(info, value, nullptr, nullptr, &title);
+        if (title != nullptr) touched += std::wcslen(title);
+        LPWSTR name = nullptr;
+        DWORD* access = nullptr;
+        MvxGetACE(info, value, nullptr, nullptr, &name, &access);
+        if (access != nullptr) touched += *access & 1;
+      }
+    }
+  };
+  HMVXPOS position = ii::head_property(internals);
+  while (ii::Property* property = ii::next_property(internals, nullptr, &position))
+    touch_property(ii::to_handle(property));
+  position = ii::head_custom_property(internals);
+  while (auto* element = ii::next_custom_property(internals, &position)) touch_property(ii::to_handle(&element->second));
+  return touched;
+}
+
+void MarkEverythingChanged(HMVXINFO info) {
+  ii::ItemInfo& internals = *ii::from_handle(info);
+  if (internals.properties)
+    for (auto& [id, property] : *internals.properties) ii::mark_changed(property);
+  if (internals.custom_properties)
+    for (auto& [name, property] : *internals.custom_properties) ii::mark_changed(property);
+}
+
+void CheckMutant(const ByteVector& bytes) {
+  GuardedBuffer block(bytes.data(), bytes.size());
+  const bool whole = FaultOffset(block.data(), block.size()) < 0;
+  LPWSTR title = MvxFindTitleValue(block.data());
+  if (title != nullptr) {
+    EXPECT_TRUE(whole);
+    std::wcslen(title);
+  }
+  HMVXINFO info = MvxOpen(block.data());
+  EXPECT_EQ(info != nullptr, whole);
+  if (info == nullptr) return;
+  TouchEverything(info);
+  const DWORD space = MvxGetCommitSpace(info);
+  EXPECT_LE(space, bytes.size());
+  GuardedBuffer destination(space);
+  const DWORD written = MvxCommit(info, destination.data());
+  EXPECT_GE(written, 40u);
+  EXPECT_LE(written, space);
+  MvxClose(info);
+  // Bodies copied whole must read exactly as if every property were
+  // written anew.
+  {
+    HMVXINFO rewritten = MvxOpen(block.data());
+    MarkEverythingChanged(rewritten);
+    GuardedBuffer other(space);
+    EXPECT_EQ(MvxCommit(rewritten, other.data()), written);
+    EXPECT_EQ(std::memcmp(other.data(), destination.data(), written), 0) << "a body was copied that had changed";
+    MvxClose(rewritten);
+  }
+  // What a commit writes always holds together and commits to itself.
+  GuardedBuffer again(destination.data(), written);
+  Committed recommitted;
+  Opened reopened(again.data());
+  ASSERT_NE(reopened.get(), nullptr);
+  EXPECT_EQ(MvxGetCommitSpace(reopened), written);
+  EXPECT_EQ(Hex(CommitExactly(reopened, recommitted)), Hex(ByteVector(destination.data(), destination.data() + written)));
+}
+
+TEST(BlockValidation, EveryTruncationIsSafe) {
+  for (const ByteVector& seed : Seeds()) {
+    for (size_t length = 4; length <= seed.size(); ++length) {
+      SCOPED_TRACE(testing::Message() << "seed of " << seed.size() << " bytes cut to " << length);
+      ByteVector bytes(seed.begin(), seed.begin() + length);
+      Put32(bytes, 0, static_cast<uint32_t>(length));
+      CheckMutant(bytes);
+    }
+  }
+}
+
+TEST(BlockValidation, RandomlyMutatedBlocksNeverReadOutside) {
+  std::mt19937 random(20240229);
+  const std::vector<ByteVector> seeds = Seeds();
+  std::vector<std::vector<std::pair<uint32_t, int>>> fields;
+  for (const ByteVector& seed : seeds) {
+    FieldRecorder recorder;
+    ASSERT_FALSE(ii::walk_block(seed.data(), seed.size(), recorder).has_value());
+    fields.push_back(recorder.fields);
+  }
+  const auto pick = [&](uint32_t bound) { return static_cast<uint32_t>(random() % bound); };
+  int refused = 0;
+  constexpr int kMutants = 4000;
+  for (int round = 0; round < kMutants; ++round) {
+    const size_t which = pick(static_cast<uint32_t>(seeds.size()));
+    ByteVector bytes = seeds[which];
+    const int mutations = 1 + pick(3);
+    for (int m = 0; m < mutations; ++m) {
+      const auto& targets = fields[which];
+      switch (pick(4)) {
+        case 0: {  // truncate, keeping the size field true to the buffer
+          const size_t length = 4 + pick(static_cast<uint32_t>(bytes.size() - 3));
+          bytes.resize(length);
+          Put32(bytes, 0, static_cast<uint32_t>(length));
+          break;
+        }
+        case 1:
+        case 2: {  // a count, offset or length set to a telling value
+          if (targets.empty()) break;
+          const auto [offset, width] = targets[pick(static_cast<uint32_t>(targets.size()))];
+          if (offset + width > bytes.size()) break;
+          uint32_t old = width == 2 ? LoadU16(&bytes[offset]) : LoadU32(&bytes[offset]);
+          const uint32_t choices[] = {0, 1, old + 1, old - 1, old + 8, old * 2, 0x7fff, 0xffff, 0x7fffffff,
+                                      0xffffffff, static_cast<uint32_t>(bytes.size()), static_cast<uint32_t>(random())};
+          const uint32_t value = choices[pick(std::size(choices))];
+          if (width == 2)
+            Put16(bytes, offset, static_cast<uint16_t>(value));
+          else
+            Put32(bytes, offset, value);
+          break;
+        }
+        default: {  // any byte after the size field
+          if (bytes.size() <= 4) break;
+          bytes[4 + pick(static_cast<uint32_t>(bytes.size() - 4))] ^= static_cast<uint8_t>(1u << pick(8));
+          break;
+        }
+      }
+    }
+    SCOPED_TRACE(testing::Message() << "mutant " << round << " of seed " << which << ": " << Hex(bytes));
+    refused += FaultOffset(bytes.data(), bytes.size()) >= 0;
+    CheckMutant(bytes);
+    if (HasFatalFailure() || HasNonfatalFailure()) break;
+  }
+  // Both outcomes must occur often, or the mutations test nothing.
+  EXPECT_GT(refused, kMutants / 10);
+  EXPECT_LT(refused, kMutants * 9 / 10);
+}
+
+}  // namespace
+}  // namespace mvsup::test
