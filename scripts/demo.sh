@@ -1,7 +1,8 @@
 #!/bin/sh
 # The main job: builds the library and the support tool, installs them into a
 # fresh private Wine prefix as a per-user client installation
-# (samples/client.reg), and shows what the library sees there.
+# (samples/client.reg), shows what the library sees there, and walks a
+# client's typical request on one document item (samples/item.txt).
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
@@ -29,3 +30,26 @@ mvsup() { wine "$install/mvsup.exe" "$@"; }
 
 echo "== mvsup info (sample client configuration: samples/client.reg)"
 mvsup info
+
+# The typical request: a client component fills an item info from the
+# server's property text and commits it; another reads single values back
+# from the committed block without opening it. The files stay inside the
+# prefix (its Documents folder is the Unix home directory).
+mkdir -p "$prefix/drive_c/demo"
+cp "$root/samples/item.txt" "$prefix/drive_c/demo/item.txt"
+item='C:\demo\item.mvx'
+
+echo
+echo "== mvsup item make (server properties of one document: samples/item.txt)"
+mvsup item make "$item" --from 'C:\demo\item.txt'
+echo
+echo "== mvsup item dump"
+mvsup item dump "$item"
+echo
+echo "== mvsup item get (single values, read with the one-call readers)"
+for name in displayname handle parents getlastmodified "Cost Centre"; do
+  printf '%-26s' "$name"
+  mvsup item get "$item" "$name"
+done
+printf '%-26s' "Cost Centre (as integer)"
+mvsup item get "$item" "Cost Centre" --as integer

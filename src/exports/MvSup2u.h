@@ -10,6 +10,7 @@
 #include "MvSupCatalogue.h"
 #include "MvSupCodec.h"
 #include "MvSupItemInfo.h"
+#include "MvSupProperties.h"
 #include "MvSupTime.h"
 
 #endif /* MVSUP2U_H */

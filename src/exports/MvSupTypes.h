@@ -252,6 +252,12 @@ int WINAPI MvxMapChildItemTypes(LPCWSTR server, LPCWSTR classWord, BOOL hasChild
 /* Writes the superclass word into the class record (same key rules) and
    assigns the class word a number unless it has one. 1 on success, else 0. */
 int WINAPI MvxMapSuperclassItemType(LPCWSTR server, LPCWSTR classWord, LPCWSTR superclassWord);
+/* The type of a committed item info (the item type in its header) when it
+   is below 33 or above 255; for a custom type, the type of the word in its
+   custom string property "MVClient BaseType" (GetMvxItemTypeFromString), or
+   16 when that property is missing or empty (or the block does not hold
+   together). 16 also for a null block or one whose size field is below 40. */
+MVXITEMTYPE WINAPI MvxGetSuperclassFromItemInfo(const BYTE* itemInfo);
 
 #ifdef __cplusplus
 }

@@ -214,9 +214,19 @@ inline Attribute* add_attribute(ItemInfo& info, Property& property, uint32_t id)
   return &it->second;
 }
 
+// Positions into storage that is going away are dropped (or, for an
+// attribute cursor about to reach a deleted attribute, moved past it), so
+// that a later next-function answers null or moves on instead of reading
+// freed storage.
+inline void forget_value_position(ItemInfo& info, const Attribute& attribute) noexcept {
+  if (info.value_cursor.list == &attribute.values) info.value_cursor = {};
+}
+
 inline void delete_attribute(ItemInfo& info, Property& property, uint32_t id) noexcept {
   const auto it = property.attributes.find(static_cast<int32_t>(id));
   if (it == property.attributes.end()) return;
+  if (info.attribute_cursor.current == it) ++info.attribute_cursor.current;
+  forget_value_position(info, it->second);
   delete_all_values(info, it->second);
   info.commit_size -= kEntryCost;
   property.attributes.erase(it);
@@ -224,7 +234,9 @@ inline void delete_attribute(ItemInfo& info, Property& property, uint32_t id) no
 }
 
 inline void delete_all_attributes(ItemInfo& info, Property& property) noexcept {
+  if (info.attribute_cursor.end == property.attributes.end()) info.attribute_cursor = {};
   for (auto& [id, attribute] : property.attributes) {
+    forget_value_position(info, attribute);
     delete_all_values(info, attribute);
     info.commit_size -= kEntryCost;
   }
@@ -271,13 +283,16 @@ Property* add_to_map(ItemInfo& info, Map& map, Key&& key) noexcept {
 // empty is destroyed, and with the other one absent too the section header
 // leaves the commit, which is then 40 bytes again.
 template <typename Map, typename OtherMap>
-void delete_from_map(ItemInfo& info, std::unique_ptr<Map>& map, const std::unique_ptr<OtherMap>& other,
-                     typename Map::iterator it) noexcept {
+void delete_from_map(ItemInfo& info, std::unique_ptr<Map>& map, MapCursor<Map>& cursor,
+                     const std::unique_ptr<OtherMap>& other, typename Map::iterator it) noexcept {
+  // A cursor about to reach the property steps over it.
+  if (cursor.current == it) ++cursor.current;
   delete_all_attributes(info, it->second);
   info.commit_size -= kEntryCost;
   map->erase(it);
   if (!map->empty()) return;
   map.reset();
+  cursor = {};
   if (!other) info.commit_size -= kSectionHeaderSize;
 }
 
@@ -299,7 +314,7 @@ inline void delete_property(ItemInfo& info, uint32_t id) noexcept {
   if (!info.properties) return;
   const auto it = info.properties->find(static_cast<int32_t>(id));
   if (it == info.properties->end()) return;
-  detail::delete_from_map(info, info.properties, info.custom_properties, it);
+  detail::delete_from_map(info, info.properties, info.property_cursor, info.custom_properties, it);
 }
 
 inline Property* find_custom_property(ItemInfo& info, std::wstring_view name) noexcept {
@@ -322,7 +337,8 @@ inline Property* add_custom_property(ItemInfo& info, std::wstring_view name) noe
   if (property == nullptr) return nullptr;
   Attribute* name_attribute = add_attribute(info, *property, kNameAttribute);
   if (name_attribute == nullptr || add_value(info, *name_attribute, encoding::String{name}) == nullptr) {
-    detail::delete_from_map(info, info.custom_properties, info.properties, info.custom_properties->find(name));
+    detail::delete_from_map(info, info.custom_properties, info.custom_property_cursor, info.properties,
+                            info.custom_properties->find(name));
     return nullptr;
   }
   return property;
@@ -332,7 +348,7 @@ inline void delete_custom_property(ItemInfo& info, std::wstring_view name) noexc
   if (!info.custom_properties) return;
   const auto it = info.custom_properties->find(name);
   if (it == info.custom_properties->end()) return;
-  detail::delete_from_map(info, info.custom_properties, info.properties, it);
+  detail::delete_from_map(info, info.custom_properties, info.custom_property_cursor, info.properties, it);
 }
 
 // ---- Cursors ---------------------------------------------------------------

@@ -8,6 +8,8 @@
 #include "frame/text.h"
 #include "frame/trace.h"
 #include "frame/win32_handles.h"
+#include "iteminfo/block_format.h"
+#include "iteminfo/property_accessors.h"
 #include "settings/registry.h"
 #include "settings/settings.h"
 #include "types/client_item.h"
@@ -359,6 +361,23 @@ ItemType superclass_type(std::wstring_view text, IUnknown* object) noexcept {
   }
 }
 
+ItemType superclass_of_item_info(const BYTE* item_info) noexcept {
+  const std::optional<WORD> type = iteminfo::accessors::header_item_type(item_info);
+  if (!type) return kUnknown;
+  if (*type < kFirstCustom || *type > kLastCustom) return *type;
+  LPWSTR stored = nullptr;
+  if (iteminfo::accessors::custom_string(item_info, kBaseTypeProperty, &stored) != S_OK) return kUnknown;
+  try {
+    // The string may sit at an odd address inside the block.
+    std::wstring word;
+    const auto* bytes = reinterpret_cast<const BYTE*>(stored);
+    for (uint16_t unit; (unit = iteminfo::load_u16(bytes)) != 0; bytes += 2) word += static_cast<wchar_t>(unit);
+    return word.empty() ? kUnknown : type_from_string(word);
+  } catch (...) {
+    return kUnknown;
+  }
+}
+
 int is_container(std::wstring_view text, IUnknown* object) noexcept {
   if (text.empty()) return 0;
   try {
@@ -507,6 +526,11 @@ int WINAPI MvxMapChildItemTypes(LPCWSTR server, LPCWSTR classWord, BOOL hasChild
   trace::CallScope scope("MvxMapChildItemTypes");
   return scope.res(custom::map_child_types(text::view_or_empty(server), text::view_or_empty(classWord),
                                            hasChildren != FALSE, childTypes));
+}
+
+MVXITEMTYPE WINAPI MvxGetSuperclassFromItemInfo(const BYTE* itemInfo) {
+  trace::CallScope scope("MvxGetSuperclassFromItemInfo", reinterpret_cast<uintptr_t>(itemInfo));
+  return scope.res(custom::superclass_of_item_info(itemInfo));
 }
 
 int WINAPI MvxMapSuperclassItemType(LPCWSTR server, LPCWSTR classWord, LPCWSTR superclassWord) {

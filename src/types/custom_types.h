@@ -59,4 +59,9 @@ int map_child_types(std::wstring_view server, std::wstring_view class_word, bool
                     const wchar_t* const* child_types) noexcept;
 int map_superclass(std::wstring_view server, std::wstring_view class_word, std::wstring_view superclass) noexcept;
 
+// The custom string property of an item info that names its base type.
+inline constexpr std::wstring_view kBaseTypeProperty = L"MVClient BaseType";
+// MvxGetSuperclassFromItemInfo.
+ItemType superclass_of_item_info(const BYTE* item_info) noexcept;
+
 }  // namespace mvsup::types::custom

@@ -43,13 +43,13 @@ TEST(ItemInfoLifecycle, UpdateMovesTheItemInfoOntoANewBlock) {
   EXPECT_NE(block, old);
   EXPECT_EQ(LoadU32(block), MvxGetCommitSpace(info));
   EXPECT_EQ(LoadU32(block + 8), 300u);
-  EXPECT_EQ(info.internals().buffer, block);
+  EXPECT_EQ(Internals(info).buffer, block);
 
   // A null in/out block only receives the new one.
   BYTE* fresh = nullptr;
   ASSERT_EQ(MvxUpdateItemInfo(info, &fresh), S_OK);
   holder.reset(fresh);
-  EXPECT_EQ(info.internals().buffer, fresh);
+  EXPECT_EQ(Internals(info).buffer, fresh);
 
   EXPECT_EQ(MvxUpdateItemInfo(info, nullptr), E_POINTER);
   BYTE* unchanged = fresh;
@@ -75,7 +75,7 @@ TEST(ItemInfoLifecycle, CommitRefusesTheBlockItWasOpenedOver) {
   EXPECT_EQ(MvxCommit(info, source.get()), 0u);
   EXPECT_EQ(MvxCommit(info, source.get() + 20), 0u);
   EXPECT_EQ(Hex(source.bytes()), Hex(before));
-  EXPECT_EQ(info.internals().buffer, source.get());
+  EXPECT_EQ(Internals(info).buffer, source.get());
 }
 
 // Large blocks come straight from virtual memory and go back to it when

@@ -151,7 +151,6 @@ std::vector<ByteVector> Seeds() {
 // Everything an open item info holds, read through the exports; reads that
 // leave a value's bytes fault on the guard page.
 size_t TouchEverything(HMVXINFO info) {
-  ii::ItemInfo& internals = *ii::from_handle(info);
   size_t touched = 0;
   const auto touch_property = [&](HMVXPROP property) {
     EXPECT_EQ(MvxGetAttributeCount(info, property),
@@ -175,11 +174,10 @@ size_t TouchEverything(HMVXINFO info) {
       }
     }
   };
-  HMVXPOS position = ii::head_property(internals);
-  while (ii::Property* property = ii::next_property(internals, nullptr, &position))
-    touch_property(ii::to_handle(property));
-  position = ii::head_custom_property(internals);
-  while (auto* element = ii::next_custom_property(internals, &position)) touch_property(ii::to_handle(&element->second));
+  HMVXPOS position = MvxGetHeadProperty(info);
+  while (HMVXPROP property = MvxGetNextProperty(info, nullptr, &position)) touch_property(property);
+  position = MvxGetHeadCustomProperty(info);
+  while (HMVXPROP property = MvxGetNextCustomProperty(info, nullptr, &position)) touch_property(property);
   return touched;
 }
 

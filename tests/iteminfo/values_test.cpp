@@ -31,14 +31,14 @@ class ItemValues : public ::testing::Test {
 
 TEST_F(ItemValues, AttributesAreAddedOnceAndWalkedInSignedOrder) {
   const DWORD space = MvxGetCommitSpace(info_);
-  info_.internals().modified = 0;
+  Internals(info_).modified = 0;
   EXPECT_EQ(MvxAddAttribute(info_, property_, 16), values_);
   EXPECT_EQ(MvxGetCommitSpace(info_), space);
-  EXPECT_EQ(info_.internals().modified, 0u) << "finding an attribute is no change";
+  EXPECT_EQ(Internals(info_).modified, 0u) << "finding an attribute is no change";
   HMVXATTR high = MvxAddAttribute(info_, property_, 0x90000000);
   HMVXATTR one = MvxAddAttribute(info_, property_, 1);
   EXPECT_EQ(MvxGetCommitSpace(info_), space + 20);
-  EXPECT_EQ(info_.internals().modified, 1u);
+  EXPECT_EQ(Internals(info_).modified, 1u);
   EXPECT_EQ(MvxFindAttribute(info_, property_, 1), one);
   EXPECT_EQ(MvxFindAttribute(info_, property_, 2), nullptr);
   EXPECT_EQ(MvxGetAttributeCount(info_, property_), 3);

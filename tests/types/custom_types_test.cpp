@@ -276,5 +276,37 @@ TEST_F(CustomTypes, SuperclassAndContainerLookupWithAndWithoutAnObject) {
   EXPECT_EQ(MvxIsCustomContainerType(nullptr, nullptr), 0);
 }
 
+// A committed item info of a custom type names its base type in the custom
+// text property "MVClient BaseType"; built-in types answer for themselves.
+TEST_F(CustomTypes, SuperclassFromAnItemInfosBaseTypeProperty) {
+  const MVXITEMTYPE invoice = create_type(L"Invoice");
+  BYTE* block = nullptr;
+  ASSERT_EQ(MvxPutMvHandlePropValue(0x20, invoice, 17, nullptr, &block), S_OK);
+  EXPECT_EQ(MvxGetSuperclassFromItemInfo(block), 16) << "no base type recorded";
+  ASSERT_EQ(MvxPutCustomStringProp(L"MVClient BaseType", L"", 1, &block), S_OK);
+  EXPECT_EQ(MvxGetSuperclassFromItemInfo(block), 16);
+  ASSERT_EQ(MvxPutCustomStringProp(L"MVClient BaseType", L"Collection-5", 1, &block), S_OK);
+  EXPECT_EQ(MvxGetSuperclassFromItemInfo(block), 2);
+  ASSERT_EQ(MvxPutCustomStringProp(L"MVClient BaseType", L"Receipt", 1, &block), S_OK);
+  EXPECT_EQ(MvxGetSuperclassFromItemInfo(block), 16) << "a word without a number";
+  const MVXITEMTYPE receipt = create_type(L"Receipt");
+  EXPECT_EQ(MvxGetSuperclassFromItemInfo(block), receipt);
+
+  // Outside 33-255 the item info's own type is the answer.
+  for (MVXITEMTYPE type : {3, 32, 256, 0xFFFF}) {
+    ASSERT_EQ(MvxPutMvHandlePropValue(0x20, type, 17, nullptr, &block), S_OK);
+    EXPECT_EQ(MvxGetSuperclassFromItemInfo(block), type);
+  }
+  EXPECT_EQ(FreeMvxInfo(block), nullptr);
+
+  EXPECT_EQ(MvxGetSuperclassFromItemInfo(nullptr), 16);
+  BYTE short_block[44] = {39};
+  EXPECT_EQ(MvxGetSuperclassFromItemInfo(short_block), 16);
+  // A custom-typed block that does not hold together has no base type.
+  BYTE broken[48] = {48, 0, 0, 0, 0, 0, 33};
+  broken[42] = 5;  // five entries that do not fit
+  EXPECT_EQ(MvxGetSuperclassFromItemInfo(broken), 16);
+}
+
 }  // namespace
 }  // namespace mvsup::test

@@ -1,9 +1,10 @@
 // mvsup item: committed item info blocks - dump one for a person to read,
-// or write an empty one.
+// write an empty one; "make" and "get" live in their own files.
 #include <windows.h>
 
 #include <cstdarg>
 #include <cstring>
+#include <cwchar>
 #include <optional>
 #include <set>
 #include <string>
@@ -15,9 +16,25 @@
 #include "frame/win32_handles.h"
 #include "iteminfo/block_format.h"
 #include "iteminfo/value_kinds.h"
+#include "item_commands.h"
 #include "output.h"
 
 namespace mvsup::tool {
+
+PropertyName resolve_property(const std::wstring& text, bool accept_ids) {
+  if (accept_ids && !text.empty() && text[0] >= L'0' && text[0] <= L'9') {
+    wchar_t* end = nullptr;
+    const unsigned long id = std::wcstoul(text.c_str(), &end, 0);
+    if (end != nullptr && *end == L'\0' && id != 0) return {static_cast<DWORD>(id), text};
+  }
+  return {PropIdFromPropertyName(text.c_str()), text};
+}
+
+std::wstring item_type_word(LONG type) {
+  wchar_t word[400];
+  return GetMvxItemTypeAsStringTS(type, word, 400);
+}
+
 namespace {
 
 namespace ii = mvsup::iteminfo;
@@ -195,9 +212,12 @@ std::wstring describe_value(ii::ValueKind kind, const ii::ValueView& value) {
       break;
     case ii::ValueKind::Handle:
       if (const auto units = terminated(ii::kHandleTitleOffset)) {
-        return format(L"handle type %u number %lu title ", ii::load_u16(data),
-                      static_cast<unsigned long>(ii::load_u32(data + ii::kHandleNumberOffset))) +
-               quoted(data + ii::kHandleTitleOffset, *units);
+        const WORD type = ii::load_u16(data);
+        const auto number = static_cast<unsigned long>(ii::load_u32(data + ii::kHandleNumberOffset));
+        const std::wstring word = item_type_word(type);
+        return (word.empty() ? format(L"handle type %u number %lu", type, number)
+                             : format(L"handle %ls-%lu (type %u)", word.c_str(), number, type)) +
+               L" title " + quoted(data + ii::kHandleTitleOffset, *units);
       }
       break;
     default:
@@ -206,7 +226,9 @@ std::wstring describe_value(ii::ValueKind kind, const ii::ValueView& value) {
   return format(L"hex [%lu] ", static_cast<unsigned long>(length)) + hex_bytes(data, length);
 }
 
-// The kind of attribute 16's values: from the first value of attribute 1.
+// The kind of attribute 16's values: from the first value of attribute 1,
+// else, for an id-keyed property, from the type the catalogue gives its id
+// (properties filled from server text carry no attribute 1).
 ii::ValueKind values_kind(const EntryRecord& entry) {
   for (const AttributeRecord& attribute : entry.attributes) {
     if (attribute.view.id != ii::kTypeAttribute || attribute.values.empty()) continue;
@@ -214,7 +236,16 @@ ii::ValueKind values_kind(const EntryRecord& entry) {
     return first.length == 4 ? ii::value_kind_of_type(ii::load_u32(first.block + ii::kLengthSize))
                              : ii::ValueKind::Unknown;
   }
-  return ii::ValueKind::Unknown;
+  if (entry.view.custom) return ii::ValueKind::Unknown;
+  return ii::value_kind_of_type(static_cast<uint32_t>(PropTypeFromPropId(entry.view.key)));
+}
+
+// "0x00000020 handle" - with the catalogue's name when it has one.
+std::wstring property_title(uint32_t id) {
+  std::wstring title = format(L"property 0x%08lx", static_cast<unsigned long>(id));
+  const std::wstring name = PropertyNameFromPropId(id);
+  if (!name.empty()) title += L" " + name;
+  return title;
 }
 
 class Printer {
@@ -241,7 +272,9 @@ class Printer {
     line(0, 0, L"Header");
     field(h::kSize, L"size", number(u32(h::kSize)) + L" bytes");
     field(h::kCarried4, L"(offset 4)", format(L"0x%04x", u16(h::kCarried4)));
-    field(h::kItemType, L"type", number(u16(h::kItemType)));
+    const std::wstring type_word = item_type_word(u16(h::kItemType));
+    field(h::kItemType, L"type",
+          number(u16(h::kItemType)) + (type_word.empty() ? L"" : L" (" + type_word + L")"));
     field(h::kItemNumber, L"number", number(u32(h::kItemNumber)));
     field(h::kContentSize, L"content size", number(u32(h::kContentSize)));
     field(h::kModifiedDate, L"modified", dos_date_time(u16(h::kModifiedDate), u16(h::kModifiedTime)));
@@ -267,7 +300,7 @@ class Printer {
                              ? (entry.view.name ? L"custom " + quoted(entry.view.name, entry.view.name_units)
                                                 : format(L"custom entry (key 0x%08lx)",
                                                          static_cast<unsigned long>(entry.view.key)))
-                             : format(L"property 0x%08lx", static_cast<unsigned long>(entry.view.key));
+                             : property_title(entry.view.key);
     title += format(L"  %u attribute%ls", static_cast<unsigned>(entry.view.attribute_count),
                     entry.view.attribute_count == 1 ? L"" : L"s");
     if (with_offsets_) title += format(L"  (slot 0x%lx)", static_cast<unsigned long>(entry.view.table_offset));
@@ -343,30 +376,64 @@ int run_new(Args& args) {
 }
 
 int run_item(Args& args) {
-  if (args.rest().empty()) return fail(L"item needs a subcommand: dump or new (see mvsup item --help)");
+  if (args.rest().empty()) return fail(L"item needs a subcommand: dump, new, make or get (see mvsup item --help)");
   const std::wstring subcommand = args.rest()[0];
   if (subcommand == L"dump") return run_dump(args);
   if (subcommand == L"new") return run_new(args);
-  return fail(L"unknown item subcommand \"" + subcommand + L"\" (dump or new)");
+  if (subcommand == L"make") return run_item_make(args);
+  if (subcommand == L"get") return run_item_get(args);
+  return fail(L"unknown item subcommand \"" + subcommand + L"\" (dump, new, make or get)");
 }
 
 const CommandRegistration kItem{{
     L"item",
-    L"dump a committed item info block, or write an empty one",
+    L"make, read and dump committed item info blocks",
     L"Usage: mvsup item dump FILE [--hex]\n"
-    L"       mvsup item new FILE\n\n"
+    L"       mvsup item new FILE\n"
+    L"       mvsup item make OUT [--from FILE] [--force] [NAME=VALUE ...]\n"
+    L"       mvsup item get FILE NAME [--as KIND] [--local] [--json]\n\n"
     L"dump   Checks that FILE holds together as a committed item info (every count,\n"
     L"       offset and length against its size field, as the library does when it\n"
-    L"       opens one) and prints it: the header fields by name (type, number,\n"
-    L"       content size, dates, parents, owner), then every entry with its\n"
-    L"       attributes and values. Attribute 1 is shown as the property type,\n"
-    L"       attribute 2 as a string, the values of attribute 16 by the kind that\n"
-    L"       attribute 1 gives (string, integer, float, date-time, handle), anything\n"
-    L"       else as hex. Entries that opening would drop are marked. A block that\n"
-    L"       does not hold together gives an error naming the first offset at fault.\n"
+    L"       opens one) and prints it: the header fields by name (type with its\n"
+    L"       word, number, content size, dates, parents, owner), then every entry\n"
+    L"       with its attributes and values. Properties show their catalogue name.\n"
+    L"       Attribute 1 is shown as the property type, attribute 2 as a string,\n"
+    L"       the values of attribute 16 by the kind that attribute 1 (or else the\n"
+    L"       catalogue) gives: string, integer, float, date-time, handle (with its\n"
+    L"       type word); anything else as hex. Entries that opening would drop are\n"
+    L"       marked. A block that does not hold together gives an error naming the\n"
+    L"       first offset at fault.\n"
     L"  --hex  start each line with the offset of what it shows\n\n"
     L"new    Writes an empty committed item info (40 bytes) to FILE, which must not\n"
-    L"       exist yet.\n",
+    L"       exist yet.\n\n"
+    L"make   Builds a committed item info from the server's property text, as a\n"
+    L"       client component does, and writes it to OUT: each NAME is filled with\n"
+    L"       AddItemPropToMvxInfo. A name of the catalogue (any case, see mvsup\n"
+    L"       props) gives the id-keyed property, its text converted by the\n"
+    L"       catalogue's type (handles \"File-12\", \"title (Collection-7)\" texts,\n"
+    L"       dates in the creation form 2006-08-14T09:05:00Z or, for\n"
+    L"       getlastmodified, the HTTP form \"Mon, 14 Aug 2006 09:05:00 GMT\");\n"
+    L"       client_data and unknown names give custom properties holding text.\n"
+    L"       A name given several times gets several values, in order\n"
+    L"       (parents=\"A (Collection-1)\" parents=\"B (Collection-2)\"). Texts\n"
+    L"       that convert to nothing are reported as notes.\n"
+    L"  --from FILE  NAME=VALUE lines from a UTF-8 file (\"-\": standard input),\n"
+    L"               before those on the command line; blank lines and lines\n"
+    L"               starting with '#' are skipped; the value is everything after\n"
+    L"               the first '=', as it stands\n"
+    L"  --force      overwrite OUT when it exists\n\n"
+    L"get    Reads one value of FILE with the library's one-call readers, without\n"
+    L"       opening it, and prints it: strings as they are, integers in decimal,\n"
+    L"       dates as YYYY-MM-DD hh:mm:ss UTC (\"none\" for the empty date),\n"
+    L"       handles as Word-Number \"title\". NAME is a catalogue name (any case),\n"
+    L"       a property id (0x80000040 or decimal), or a custom property's name.\n"
+    L"       The reader follows the property's type: the catalogue's for ids, the\n"
+    L"       one in attribute 1 for custom properties. A property without a value\n"
+    L"       is an error naming the reader's answer.\n"
+    L"  --as KIND    read with another reader: string, integer, date or handle\n"
+    L"               (\"--as integer\" on a custom text shows the integer rules)\n"
+    L"  --local      dates converted to local time\n"
+    L"  --json       {\"property\", \"id\", \"reader\", \"value\"}\n",
     run_item,
 }};
 
