@@ -24,7 +24,6 @@ mkdir -p "$install/0407"
 cp "$build/bin/MvSup2u.dll" "$build/bin/mvsup.exe" "$install/"
 cp "$build/bin/0407/SDKSatellite.dll" "$install/0407/"
 wine regedit /S "$root/samples/client.reg"
-mkdir -p "$prefix/drive_c/users/$(whoami)/Documents/Mervane/Work"
 
 mvsup() { wine "$install/mvsup.exe" "$@"; }
 
@@ -53,3 +52,12 @@ for name in displayname handle parents getlastmodified "Cost Centre"; do
 done
 printf '%-26s' "Cost Centre (as integer)"
 mvsup item get "$item" "Cost Centre" --as integer
+
+# What a support engineer does to see the calls: switch the trace log on,
+# reproduce, read the log, switch it off again.
+echo
+echo "== mvsup trace on / item get / trace show (the call-trace log of one call)"
+mvsup trace on --level 2 --dir 'C:\demo\trace'
+mvsup item get "$item" getcontentlength >/dev/null
+mvsup trace show
+mvsup trace off

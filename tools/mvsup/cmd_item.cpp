@@ -39,20 +39,12 @@ namespace {
 
 namespace ii = mvsup::iteminfo;
 
-std::wstring format(const wchar_t* pattern, ...) {
-  va_list args;
-  va_start(args, pattern);
-  std::wstring text = text::vformat(pattern, args);
-  va_end(args);
-  return text;
-}
-
 std::optional<std::vector<BYTE>> read_file(const std::wstring& path, std::wstring* error) {
   unique_file file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                  FILE_ATTRIBUTE_NORMAL, nullptr));
   LARGE_INTEGER size{};
   if (!file || !::GetFileSizeEx(file.get(), &size)) {
-    *error = format(L"cannot open %ls (error %lu)", path.c_str(), ::GetLastError());
+    *error = text::format(L"cannot open %ls (error %lu)", path.c_str(), ::GetLastError());
     return std::nullopt;
   }
   if (size.QuadPart > MAXDWORD) {
@@ -63,7 +55,7 @@ std::optional<std::vector<BYTE>> read_file(const std::wstring& path, std::wstrin
   DWORD read = 0;
   if (!bytes.empty() && (!::ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr) ||
                          read != bytes.size())) {
-    *error = format(L"cannot read %ls (error %lu)", path.c_str(), ::GetLastError());
+    *error = text::format(L"cannot read %ls (error %lu)", path.c_str(), ::GetLastError());
     return std::nullopt;
   }
   return bytes;
@@ -144,7 +136,7 @@ std::wstring quoted(const BYTE* bytes, size_t units) {
     if (c == L'"' || c == L'\\')
       out += std::wstring(L"\\") + c;
     else if (c < 0x20)
-      out += format(L"\\x%02x", static_cast<unsigned>(c));
+      out += text::format(L"\\x%02x", static_cast<unsigned>(c));
     else
       out += c;
   }
@@ -153,13 +145,13 @@ std::wstring quoted(const BYTE* bytes, size_t units) {
 
 std::wstring hex_bytes(const BYTE* bytes, size_t count) {
   std::wstring out;
-  for (size_t i = 0; i < count; ++i) out += format(i == 0 ? L"%02x" : L" %02x", bytes[i]);
+  for (size_t i = 0; i < count; ++i) out += text::format(i == 0 ? L"%02x" : L" %02x", bytes[i]);
   return out;
 }
 
 std::wstring dos_date_time(WORD date, WORD time) {
   if (date == 0 && time == 0) return L"none";
-  return format(L"%04u-%02u-%02u %02u:%02u:%02u", 1980u + (date >> 9), (date >> 5) & 15u, date & 31u, time >> 11,
+  return text::format(L"%04u-%02u-%02u %02u:%02u:%02u", 1980u + (date >> 9), (date >> 5) & 15u, date & 31u, time >> 11,
                 (time >> 5) & 63u, (time & 31u) * 2);
 }
 
@@ -167,8 +159,8 @@ std::wstring file_time(uint32_t high, uint32_t low) {
   if (high == 0 && low == 0) return L"0 (no date)";
   const FILETIME value{low, high};
   SYSTEMTIME utc{};
-  if (!::FileTimeToSystemTime(&value, &utc)) return format(L"0x%08x%08x (out of range)", high, low);
-  return format(L"%04u-%02u-%02u %02u:%02u:%02u UTC", utc.wYear, utc.wMonth, utc.wDay, utc.wHour, utc.wMinute,
+  if (!::FileTimeToSystemTime(&value, &utc)) return text::format(L"0x%08x%08x (out of range)", high, low);
+  return text::format(L"%04u-%02u-%02u %02u:%02u:%02u UTC", utc.wYear, utc.wMonth, utc.wDay, utc.wHour, utc.wMinute,
                 utc.wSecond);
 }
 
@@ -184,19 +176,19 @@ std::wstring describe_value(ii::ValueKind kind, const ii::ValueView& value) {
   switch (kind) {
     case ii::ValueKind::String:
       if (const auto units = terminated(0)) {
-        std::wstring text = quoted(data, *units);
+        std::wstring shown = quoted(data, *units);
         const size_t tail = length - (*units + 1) * 2;
-        if (tail != 0) text += format(L" (+%lu bytes after the terminator)", static_cast<unsigned long>(tail));
-        return text;
+        if (tail != 0) shown += text::format(L" (+%lu bytes after the terminator)", static_cast<unsigned long>(tail));
+        return shown;
       }
       break;
     case ii::ValueKind::Integer:
-      if (length == 4) return format(L"%ld", static_cast<long>(static_cast<int32_t>(ii::load_u32(data))));
+      if (length == 4) return text::format(L"%ld", static_cast<long>(static_cast<int32_t>(ii::load_u32(data))));
       break;
     case ii::ValueKind::PropertyType:
       if (length == 4) {
         const uint32_t type = ii::load_u32(data);
-        return format(L"type %lu (%hs values)", static_cast<unsigned long>(type),
+        return text::format(L"type %lu (%hs values)", static_cast<unsigned long>(type),
                       ii::value_kind_name(ii::value_kind_of_type(type)));
       }
       break;
@@ -204,7 +196,7 @@ std::wstring describe_value(ii::ValueKind kind, const ii::ValueView& value) {
       if (length == 8) {
         double number;
         std::memcpy(&number, data, sizeof number);
-        return format(L"%.17g", number);
+        return text::format(L"%.17g", number);
       }
       break;
     case ii::ValueKind::DateTime:
@@ -215,15 +207,15 @@ std::wstring describe_value(ii::ValueKind kind, const ii::ValueView& value) {
         const WORD type = ii::load_u16(data);
         const auto number = static_cast<unsigned long>(ii::load_u32(data + ii::kHandleNumberOffset));
         const std::wstring word = item_type_word(type);
-        return (word.empty() ? format(L"handle type %u number %lu", type, number)
-                             : format(L"handle %ls-%lu (type %u)", word.c_str(), number, type)) +
+        return (word.empty() ? text::format(L"handle type %u number %lu", type, number)
+                             : text::format(L"handle %ls-%lu (type %u)", word.c_str(), number, type)) +
                L" title " + quoted(data + ii::kHandleTitleOffset, *units);
       }
       break;
     default:
       break;
   }
-  return format(L"hex [%lu] ", static_cast<unsigned long>(length)) + hex_bytes(data, length);
+  return text::format(L"hex [%lu] ", static_cast<unsigned long>(length)) + hex_bytes(data, length);
 }
 
 // The kind of attribute 16's values: from the first value of attribute 1,
@@ -242,7 +234,7 @@ ii::ValueKind values_kind(const EntryRecord& entry) {
 
 // "0x00000020 handle" - with the catalogue's name when it has one.
 std::wstring property_title(uint32_t id) {
-  std::wstring title = format(L"property 0x%08lx", static_cast<unsigned long>(id));
+  std::wstring title = text::format(L"property 0x%08lx", static_cast<unsigned long>(id));
   const std::wstring name = PropertyNameFromPropId(id);
   if (!name.empty()) title += L" " + name;
   return title;
@@ -253,7 +245,7 @@ class Printer {
   Printer(const std::vector<BYTE>& bytes, bool with_offsets) : bytes_(bytes.data()), with_offsets_(with_offsets) {}
 
   void line(uint32_t offset, int depth, const std::wstring& text) {
-    if (with_offsets_) out_ += format(L"%08lx  ", static_cast<unsigned long>(offset));
+    if (with_offsets_) out_ += text::format(L"%08lx  ", static_cast<unsigned long>(offset));
     out_ += std::wstring(2 * depth, L' ') + text + L"\n";
   }
 
@@ -268,10 +260,10 @@ class Printer {
     const auto u16 = [&](uint32_t at) { return ii::load_u16(bytes_ + at); };
     const auto u32 = [&](uint32_t at) { return ii::load_u32(bytes_ + at); };
     const auto number = [](uint32_t value) { return std::to_wstring(value); };
-    out_ += format(L"Item info %ls\n", path.c_str());
+    out_ += text::format(L"Item info %ls\n", path.c_str());
     line(0, 0, L"Header");
     field(h::kSize, L"size", number(u32(h::kSize)) + L" bytes");
-    field(h::kCarried4, L"(offset 4)", format(L"0x%04x", u16(h::kCarried4)));
+    field(h::kCarried4, L"(offset 4)", text::format(L"0x%04x", u16(h::kCarried4)));
     const std::wstring type_word = item_type_word(u16(h::kItemType));
     field(h::kItemType, L"type",
           number(u16(h::kItemType)) + (type_word.empty() ? L"" : L" (" + type_word + L")"));
@@ -279,7 +271,7 @@ class Printer {
     field(h::kContentSize, L"content size", number(u32(h::kContentSize)));
     field(h::kModifiedDate, L"modified", dos_date_time(u16(h::kModifiedDate), u16(h::kModifiedTime)));
     field(h::kCreatedDate, L"created", dos_date_time(u16(h::kCreatedDate), u16(h::kCreatedTime)));
-    field(h::kCarried20, L"(offset 20)", format(L"0x%08lx", static_cast<unsigned long>(u32(h::kCarried20))));
+    field(h::kCarried20, L"(offset 20)", text::format(L"0x%08lx", static_cast<unsigned long>(u32(h::kCarried20))));
     field(h::kParentCount, L"parents", number(u32(h::kParentCount)));
     field(h::kFirstParent, L"first parent", number(u32(h::kFirstParent)));
     field(h::kOwnerNumber, L"owner", number(u32(h::kOwnerNumber)));
@@ -288,7 +280,7 @@ class Printer {
       return out_;
     }
     line(ii::kSectionStart, 0,
-         format(L"Properties: %u entries (marker %u)", static_cast<unsigned>(block.entry_count),
+         text::format(L"Properties: %u entries (marker %u)", static_cast<unsigned>(block.entry_count),
                 static_cast<unsigned>(block.marker)));
     for (const EntryRecord& entry : block.entries) print_entry(entry);
     return out_;
@@ -298,28 +290,28 @@ class Printer {
   void print_entry(const EntryRecord& entry) {
     std::wstring title = entry.view.custom
                              ? (entry.view.name ? L"custom " + quoted(entry.view.name, entry.view.name_units)
-                                                : format(L"custom entry (key 0x%08lx)",
+                                                : text::format(L"custom entry (key 0x%08lx)",
                                                          static_cast<unsigned long>(entry.view.key)))
                              : property_title(entry.view.key);
-    title += format(L"  %u attribute%ls", static_cast<unsigned>(entry.view.attribute_count),
+    title += text::format(L"  %u attribute%ls", static_cast<unsigned>(entry.view.attribute_count),
                     entry.view.attribute_count == 1 ? L"" : L"s");
-    if (with_offsets_) title += format(L"  (slot 0x%lx)", static_cast<unsigned long>(entry.view.table_offset));
-    if (entry.dropped) title += format(L"  - dropped on opening: %hs", entry.dropped);
+    if (with_offsets_) title += text::format(L"  (slot 0x%lx)", static_cast<unsigned long>(entry.view.table_offset));
+    if (entry.dropped) title += text::format(L"  - dropped on opening: %hs", entry.dropped);
     line(entry.view.body_offset, 1, title);
     const ii::ValueKind kind16 = values_kind(entry);
     for (const AttributeRecord& attribute : entry.attributes) {
       const uint32_t id = attribute.view.id;
-      std::wstring heading = format(L"attribute %lu  %u value%ls", static_cast<unsigned long>(id),
+      std::wstring heading = text::format(L"attribute %lu  %u value%ls", static_cast<unsigned long>(id),
                                     static_cast<unsigned>(attribute.view.value_count),
                                     attribute.view.value_count == 1 ? L"" : L"s");
-      if (with_offsets_) heading += format(L"  (slot 0x%lx)", static_cast<unsigned long>(attribute.view.table_offset));
+      if (with_offsets_) heading += text::format(L"  (slot 0x%lx)", static_cast<unsigned long>(attribute.view.table_offset));
       line(attribute.view.body_offset, 2, heading);
       const ii::ValueKind kind = id == ii::kTypeAttribute   ? ii::ValueKind::PropertyType
                                  : id == ii::kNameAttribute ? ii::ValueKind::String
                                  : id == ii::kValuesAttribute ? kind16
                                                             : ii::ValueKind::Unknown;
       for (const ValueRecord& value : attribute.values)
-        line(value.view.offset, 3, format(L"[%lu] ", static_cast<unsigned long>(value.view.index)) +
+        line(value.view.offset, 3, text::format(L"[%lu] ", static_cast<unsigned long>(value.view.index)) +
                                        describe_value(kind, value.view));
     }
   }
@@ -342,13 +334,13 @@ int run_dump(Args& args) {
   Block block;
   Recorder recorder(block);
   if (const std::optional<ii::Fault> fault = ii::walk_block(bytes->data(), bytes->size(), recorder)) {
-    return fail(format(L"%ls: not a valid item info: offset %lu (0x%lx): %hs", path.c_str(),
+    return fail(text::format(L"%ls: not a valid item info: offset %lu (0x%lx): %hs", path.c_str(),
                        static_cast<unsigned long>(fault->offset), static_cast<unsigned long>(fault->offset),
                        fault->reason));
   }
   std::wstring text = Printer(*bytes, with_offsets).print(path, block);
   if (bytes->size() > block.size)
-    text += format(L"(%lu bytes past the size field are not part of it)\n",
+    text += text::format(L"(%lu bytes past the size field are not part of it)\n",
                    static_cast<unsigned long>(bytes->size() - block.size));
   write_out(text);
   return 0;
@@ -360,7 +352,7 @@ int run_new(Args& args) {
   const std::wstring& path = args.rest()[1];
   BYTE* created = nullptr;
   if (const HRESULT hr = MvxCreateItemInfo(&created); FAILED(hr))
-    return fail(format(L"MvxCreateItemInfo failed (0x%08lx)", static_cast<unsigned long>(hr)));
+    return fail(text::format(L"MvxCreateItemInfo failed (0x%08lx)", static_cast<unsigned long>(hr)));
   const DWORD size = ii::load_u32(created);
   unique_file file(::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
   DWORD written = 0;
@@ -369,9 +361,9 @@ int run_new(Args& args) {
   FreeMvxInfo(created);
   if (!ok) {
     return fail(error == ERROR_FILE_EXISTS ? path + L" exists; not overwritten"
-                                           : format(L"cannot write %ls (error %lu)", path.c_str(), error));
+                                           : text::format(L"cannot write %ls (error %lu)", path.c_str(), error));
   }
-  write_out(format(L"%ls: empty item info, %lu bytes\n", path.c_str(), static_cast<unsigned long>(size)));
+  write_out(text::format(L"%ls: empty item info, %lu bytes\n", path.c_str(), static_cast<unsigned long>(size)));
   return 0;
 }
 
