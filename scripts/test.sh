@@ -14,10 +14,10 @@ wine_runs() {
   mkdir -p "$build/probe"
   printf '#include <stdio.h>\nint main(void) { puts("probe ok"); return 0; }\n' >"$build/probe/probe.c"
   "$arch-w64-mingw32-gcc" -o "$build/probe/probe-$arch.exe" "$build/probe/probe.c" || return 1
-  wine_session_start "$build/probe/prefix-$arch"
-  out=$("$root/cmake/wine-run.sh" "$build/probe/prefix-$arch" "$build/probe/probe-$arch.exe" 2>/dev/null || true)
+  wine_session_start "$build/$arch/wineprefix"
+  out=$("$root/cmake/wine-run.sh" "$build/$arch/wineprefix" "$build/probe/probe-$arch.exe" 2>/dev/null || true)
   wine_session_stop
-  [ "$out" = "probe ok" ]
+  case "$out" in *"probe ok"*) return 0 ;; *) return 1 ;; esac
 }
 
 status=0

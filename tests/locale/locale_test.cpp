@@ -19,45 +19,34 @@ LCID lcid_of(const wchar_t* tag) {
 }
 
 TEST(LanguageTags, MapToLanguageIdsWithTheDefaultSortOrder) {
-  EXPECT_EQ(lcid_of(L"en"), 0x0409u);
-  EXPECT_EQ(lcid_of(L"en-gb"), 0x0409u);  // the region is ignored
-  EXPECT_EQ(lcid_of(L"de-at"), 0x0407u);
-  EXPECT_EQ(lcid_of(L"SV-se"), 0x041Du);
-  EXPECT_EQ(lcid_of(L"pt"), 0x0816u);
-  EXPECT_EQ(lcid_of(L"pt-br"), 0x0816u);
-  EXPECT_EQ(lcid_of(L"no"), 0x0414u);
-  EXPECT_EQ(lcid_of(L"sr"), 0x041Au);
-  EXPECT_EQ(lcid_of(L"hr"), 0x041Au);
-  EXPECT_EQ(lcid_of(L"in"), 0x0421u);
-  EXPECT_EQ(lcid_of(L"uk"), 0x0422u);
-  EXPECT_EQ(lcid_of(L"xx"), 0x0400u);
-  EXPECT_EQ(lcid_of(L"english"), 0x0400u);  // whole tags only, no prefixes
-  EXPECT_EQ(lcid_of(L"-de"), 0x0400u);
-  EXPECT_EQ(lcid_of(L""), 0x0400u);
-  EXPECT_EQ(lcid_of(nullptr), 0x0400u);
-  EXPECT_FALSE(LCIDfromLangTag(L"en", nullptr));
-}
-
-TEST(LanguageTags, EveryTagOfTheListAgreesWithWindows) {
-  // Windows' own primary language ids for the same languages.
+  // Windows' own primary language ids for the whole list, in its order;
+  // Portuguese alone takes sublanguage 2.
   const struct {
     const wchar_t* tag;
     WORD primary;
-  } expected[] = {
-      {L"en", LANG_ENGLISH},   {L"es", LANG_SPANISH},    {L"fr", LANG_FRENCH},     {L"de", LANG_GERMAN},
-      {L"it", LANG_ITALIAN},   {L"pt", LANG_PORTUGUESE}, {L"da", LANG_DANISH},     {L"nl", LANG_DUTCH},
-      {L"fi", LANG_FINNISH},   {L"no", LANG_NORWEGIAN},  {L"pl", LANG_POLISH},     {L"ro", LANG_ROMANIAN},
-      {L"sv", LANG_SWEDISH},   {L"ru", LANG_RUSSIAN},    {L"sr", LANG_SERBIAN},    {L"sk", LANG_SLOVAK},
-      {L"af", LANG_AFRIKAANS}, {L"sq", LANG_ALBANIAN},   {L"eu", LANG_BASQUE},     {L"be", LANG_BELARUSIAN},
-      {L"bg", LANG_BULGARIAN}, {L"ca", LANG_CATALAN},    {L"hr", LANG_CROATIAN},   {L"cs", LANG_CZECH},
-      {L"et", LANG_ESTONIAN},  {L"fo", LANG_FAEROESE},   {L"el", LANG_GREEK},      {L"he", LANG_HEBREW},
-      {L"hu", LANG_HUNGARIAN}, {L"is", LANG_ICELANDIC},  {L"in", LANG_INDONESIAN}, {L"lv", LANG_LATVIAN},
-      {L"sl", LANG_SLOVENIAN}, {L"lt", LANG_LITHUANIAN}, {L"tr", LANG_TURKISH},    {L"uk", LANG_UKRAINIAN},
+  } tags[] = {
+      {L"en", LANG_ENGLISH},     {L"es", LANG_SPANISH},    {L"fr", LANG_FRENCH},    {L"de", LANG_GERMAN},
+      {L"it", LANG_ITALIAN},     {L"pt", LANG_PORTUGUESE}, {L"da", LANG_DANISH},    {L"nl", LANG_DUTCH},
+      {L"fi", LANG_FINNISH},     {L"no", LANG_NORWEGIAN},  {L"pl", LANG_POLISH},    {L"ro", LANG_ROMANIAN},
+      {L"sv", LANG_SWEDISH},     {L"ru", LANG_RUSSIAN},    {L"sr", LANG_SERBIAN},   {L"sk", LANG_SLOVAK},
+      {L"af", LANG_AFRIKAANS},   {L"sq", LANG_ALBANIAN},   {L"eu", LANG_BASQUE},    {L"be", LANG_BELARUSIAN},
+      {L"bg", LANG_BULGARIAN},   {L"ca", LANG_CATALAN},    {L"hr", LANG_CROATIAN},  {L"cs", LANG_CZECH},
+      {L"et", LANG_ESTONIAN},    {L"fo", LANG_FAEROESE},   {L"el", LANG_GREEK},     {L"he", LANG_HEBREW},
+      {L"hu", LANG_HUNGARIAN},   {L"is", LANG_ICELANDIC},  {L"in", LANG_INDONESIAN}, {L"lv", LANG_LATVIAN},
+      {L"sl", LANG_SLOVENIAN},   {L"lt", LANG_LITHUANIAN}, {L"tr", LANG_TURKISH},   {L"uk", LANG_UKRAINIAN},
   };
-  for (const auto& entry : expected) {
-    const WORD sub = wcscmp(entry.tag, L"pt") == 0 ? 2 : 1;
-    EXPECT_EQ(lcid_of(entry.tag), static_cast<LCID>(MAKELANGID(entry.primary, sub))) << entry.tag;
-  }
+  for (const auto& entry : tags)
+    EXPECT_EQ(lcid_of(entry.tag), static_cast<LCID>(MAKELANGID(entry.primary, wcscmp(entry.tag, L"pt") ? 1 : 2)))
+        << entry.tag;
+
+  // The region is ignored, case does not matter, whole tags only.
+  const struct {
+    const wchar_t* tag;
+    LCID lcid;
+  } cases[] = {{L"en-gb", 0x0409}, {L"de-at", 0x0407}, {L"SV-se", 0x041D}, {L"pt-br", 0x0816}, {L"xx", 0x0400},
+               {L"english", 0x0400}, {L"-de", 0x0400}, {L"", 0x0400}, {nullptr, 0x0400}};
+  for (const auto& c : cases) EXPECT_EQ(lcid_of(c.tag), c.lcid) << (c.tag ? c.tag : L"(null)");
+  EXPECT_FALSE(LCIDfromLangTag(L"en", nullptr));
 }
 
 TEST(AnsiToUtf8, ConvertsOrTellsTheCallerToKeepPlainAscii) {
