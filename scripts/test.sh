@@ -38,8 +38,8 @@ for arch in x86_64 i686; do
   wine_session_stop
   [ $result -eq 0 ] || status=1
   if [ $wine_tests = OFF ]; then
-    echo "NOTE: the $arch Wine tests were NOT run: this machine has no Wine that runs $arch programs"
-    echo "      (for i686: wine32). Only the $arch export-table, import and link checks ran."
+    echo "NOTE: the $arch Wine tests were NOT run: this machine's Wine does not run $arch programs"
+    echo "      (a 32-bit Wine, wine32, is missing). Only the $arch export-table, import and link checks ran."
     [ $arch = i686 ] || status=1
   fi
 done
