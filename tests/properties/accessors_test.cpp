@@ -1,12 +1,7 @@
 // The one-call accessors of a committed item info: what the readers answer
 // for each shape a property can have, what the writers store, and that a
 // writer that fails leaves the caller's block as it was.
-#include <windows.h>
-
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <string>
 
 #include "common/guard_page.h"
 #include "property_support.h"
@@ -14,143 +9,84 @@
 namespace mvsup::test {
 namespace {
 
-constexpr DATE kOctoberEvening = 38993.75;  // 2006-10-03 18:00:00
+// 2006-10-03 18:00:00 as an OLE date and as a FILETIME (computed with Python).
+constexpr DATE kOctoberEvening = 38993.75;
 constexpr DWORD kOctoberEveningHigh = 0x01c6e715;
 constexpr DWORD kOctoberEveningLow = 0xbe51d000;
 
-std::wstring StringOf(const Committed& block, DWORD id, int* result) {
-  LPWSTR text = reinterpret_cast<LPWSTR>(1);
-  *result = MvxGetStringPropValue(block.get(), id, &text);
-  if (*result != 0) {
-    EXPECT_EQ(text, nullptr) << "cleared when nothing is found";
-    return L"(none)";
-  }
-  EXPECT_NE(text, nullptr);
-  return text;
-}
-
-// The value bytes of a property's attribute 16, read back by opening.
-std::vector<std::string> StoredValues(const Committed& block, DWORD id) {
-  Opened info(block.get());
-  return HexAll(ValuesOf(info, MvxFindProperty(info, id)));
-}
-
-TEST(CommittedReaders, StringReaderSpecialCases) {
-  Committed block = FromServerText({{L"displayname", {L"Report", L"second"}},
-                                    {L"summary", {}},
-                                    {L"handle", {L"File-9"}},
-                                    {L"entityowner", {L"Ann (User-4)"}},
-                                    {L"modified_by", {L"no handle here"}}});
+TEST(CommittedReaders, AnswerForEachShapeOfAProperty) {
+  Committed block = FromServerText({{L"displayname", {L"Report", L"second"}}, {L"summary", {}},
+                                    {L"handle", {L"File-9"}}, {L"entityowner", {L"Ann (User-4)"}},
+                                    {L"modified_by", {L"no handle here"}}, {L"max_versions", {}},
+                                    {L"getlastmodified", {L"Tue, 03 Oct 2006 16:45:30 GMT"}},
+                                    {L"expiration_date", {L""}}});
   ASSERT_EQ(MvxPutMvHandlePropValue(0x400, 2, 0xFFFFFFFF, L"Gone", block.slot()), S_OK);
   ASSERT_EQ(MvxPutStringPropValue(0x10000, L"view=1", block.slot()), S_OK);
-  int result = -1;
-  EXPECT_EQ(StringOf(block, 0x2, &result), L"Report");
-  EXPECT_EQ(result, 0);
+  ASSERT_EQ(MvxPutStringPropValue(0x80000400, L"", block.slot()), S_OK);  // a 2-byte value
+  const struct {
+    DWORD id;
+    int result;
+    const wchar_t* text;  // null: the out pointer cleared
+  } strings[] = {
+      {0x2, 0, L"Report"}, {0x4, 0, L""} /* attribute 16 without values */, {0x10, 1, nullptr},
+      // Handle ids: the first handle's title, "" for number 0xFFFFFFFF; no value is missing.
+      {0x40, 0, L"Ann"}, {0x20, 0, L""}, {0x400, 0, L""}, {0x200, 1, nullptr},
+      {0x10000, 0, L"view=1"},
+  };
+  for (const auto& c : strings) {
+    LPWSTR text = const_cast<LPWSTR>(L"unset");
+    EXPECT_EQ(MvxGetStringPropValue(block.get(), c.id, &text), c.result) << std::hex << c.id;
+    EXPECT_STREQ(text, c.text) << std::hex << c.id;
+  }
   LPWSTR text = nullptr;
   MvxGetStringPropValue(block.get(), 0x2, &text);
   EXPECT_TRUE(PointsInto(block, text)) << "a pointer into the committed item info";
-
-  EXPECT_EQ(StringOf(block, 0x4, &result), L"") << "attribute 16 without values";
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(StringOf(block, 0x10, &result), L"(none)");
-  EXPECT_EQ(result, 1);
-  // Handle-valued ids give the first handle's title.
-  EXPECT_EQ(StringOf(block, 0x40, &result), L"Ann");
-  EXPECT_EQ(StringOf(block, 0x20, &result), L"");
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(StringOf(block, 0x400, &result), L"") << "number 0xFFFFFFFF";
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(StringOf(block, 0x200, &result), L"(none)") << "no value: missing for a handle id";
-  EXPECT_EQ(result, 1);
-  // client_data lives as the custom property of that name.
-  EXPECT_EQ(StringOf(block, 0x10000, &result), L"view=1");
-  EXPECT_EQ(MvxHasCustomProp(block.get(), L"client_data"), S_OK);
-  {
-    Opened info(block.get());
-    EXPECT_EQ(MvxFindProperty(info, 0x10000), nullptr);
-  }
-
+  EXPECT_EQ(MvxHasCustomProp(block.get(), L"client_data"), S_OK) << "client_data lives as a custom property";
   EXPECT_EQ(MvxGetStringPropValue(nullptr, 0x2, &text), 1);
   EXPECT_EQ(MvxGetStringPropValue(Broken().get(), 0x2, &text), 1);
   EXPECT_EQ(MvxGetStringPropValue(block.get(), 0x2, nullptr), 0) << "the out pointer is optional";
-}
 
-TEST(CommittedReaders, IntegerAndDateReaders) {
-  Committed block = FromServerText({{L"getcontentlength", {L"48213"}},
-                                    {L"getlastmodified", {L"Tue, 03 Oct 2006 16:45:30 GMT"}},
-                                    {L"expiration_date", {L""}},
-                                    {L"max_versions", {}}});
-  ASSERT_EQ(MvxPutStringPropValue(0x80000400, L"", block.slot()), S_OK);  // a 2-byte value
-  LONG number = -1;
-  EXPECT_EQ(MvxGetIntegerPropValue(block.get(), 0x80000040, &number), 0);
-  EXPECT_EQ(number, 48213);
-  EXPECT_EQ(MvxGetIntegerPropValue(block.get(), 0x80000010, &number), 1) << "no value";
-  EXPECT_EQ(number, 0);
-  EXPECT_EQ(MvxGetIntegerPropValue(block.get(), 0x80000400, &number), 1) << "too short for an integer";
-  EXPECT_EQ(MvxGetIntegerPropValue(block.get(), 0x40000010, &number), 1);
+  for (DWORD id : {0x80000010u, 0x80000400u, 0x40000010u}) {  // no value, too short, absent
+    LONG number = -1;
+    EXPECT_EQ(MvxGetIntegerPropValue(block.get(), id, &number), 1) << std::hex << id;
+    EXPECT_EQ(number, 0) << std::hex << id;
+  }
 
-  SYSTEMTIME time;
-  EXPECT_EQ(MvxGetDatePropValueAsSystemTime(block.get(), 0x100, &time, TRUE), 0);
-  EXPECT_EQ(Text(time), Text(Time(2006, 10, 3, 16, 45, 30, 2)));
-  const SYSTEMTIME utc = time;
-  SYSTEMTIME local_expected;
-  ASSERT_TRUE(SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local_expected));
+  const SYSTEMTIME utc = Time(2006, 10, 3, 16, 45, 30, 2);
+  SYSTEMTIME local, time;
+  ASSERT_TRUE(SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local));
   EXPECT_EQ(MvxGetDatePropValueAsSystemTime(block.get(), 0x100, &time, FALSE), 0);
-  EXPECT_EQ(Text(time), Text(local_expected));
-  DATE date = -1;
-  EXPECT_EQ(MvxGetDatePropValue(block.get(), 0x100, &date, TRUE), 0);
-  EXPECT_NEAR(date, 38993.698263888889, 1e-8);
-
+  EXPECT_EQ(Text(time), Text(local));
   // The empty date 0/0.
+  DATE date = -1;
   EXPECT_EQ(MvxGetDatePropValueAsSystemTime(block.get(), 0x40000, &time, FALSE), 0);
   EXPECT_EQ(Text(time), Text(SYSTEMTIME{}));
   EXPECT_EQ(MvxGetDatePropValue(block.get(), 0x40000, &date, FALSE), 0);
   EXPECT_EQ(date, 0.0);
   EXPECT_EQ(MvxGetDatePropValue(block.get(), 0x80, &date, TRUE), 1);
-
-  // A stored time that no SYSTEMTIME holds.
-  {
-    Opened info(block.get());
-    HMVXATTR values = MvxFindAttribute(info, MvxFindProperty(info, 0x100), 16);
-    MvxDeleteAllAttributeValues(info, values);
-    MvxAddDateTime(info, values, 0x80000000, 0);
-    ASSERT_EQ(MvxUpdateItemInfo(info, block.slot()), S_OK);
-  }
-  time.wYear = 1;
-  EXPECT_EQ(MvxGetDatePropValueAsSystemTime(block.get(), 0x100, &time, TRUE), 1);
-  EXPECT_EQ(time.wYear, 0);
-  EXPECT_EQ(MvxGetDatePropValue(block.get(), 0x100, &date, TRUE), 1);
 }
 
-TEST(CommittedWriters, StoreOneValueAndReadBack) {
+TEST(CommittedWriters, StoreOneValueAndKeepTheSummary) {
   Committed block;  // null: the writers start from an empty item info
   ASSERT_EQ(MvxPutIntegerPropValue(0x80000040, -5, block.slot()), S_OK);
-  ASSERT_NE(block.get(), nullptr);
   ASSERT_EQ(MvxPutStringPropValue(0x2, L"Title", block.slot()), S_OK);
   ASSERT_EQ(MvxPutStringPropValue(0x4, nullptr, block.slot()), S_OK);
   ASSERT_EQ(MvxPutDatePropValue(0x80, kOctoberEvening, block.slot()), S_OK);
   ASSERT_EQ(MvxPutDatePropValue(0x100, 0.0, block.slot()), S_OK);
   ASSERT_EQ(MvxPutMvHandlePropValue(0x20, 0x10003, 77, L"Doc", block.slot()), S_OK);
-  EXPECT_EQ(StoredValues(block, 0x80000040), (std::vector<std::string>{Hex(Bytes().u32(4).u32(0xFFFFFFFB))}));
-  EXPECT_EQ(StoredValues(block, 0x2), (std::vector<std::string>{Hex(Bytes().u32(12).text(L"Title"))}));
-  EXPECT_EQ(StoredValues(block, 0x4), (std::vector<std::string>{Hex(Bytes().u32(2).text(L""))}));
-  EXPECT_EQ(StoredValues(block, 0x80),
-            (std::vector<std::string>{Hex(Bytes().u32(8).u32(kOctoberEveningHigh).u32(kOctoberEveningLow))}));
-  EXPECT_EQ(StoredValues(block, 0x100), (std::vector<std::string>{Hex(Bytes().u32(8).u32(0).u32(0))}));
-  EXPECT_EQ(StoredValues(block, 0x20), (std::vector<std::string>{Hex(Bytes().u32(14).u16(3).u32(77).text(L"Doc"))}));
-  // The header summary follows the writers.
-  EXPECT_EQ(LoadU16(block.get() + 6), 3);
+  const std::pair<DWORD, std::string> stored[] = {
+      {0x80000040, IntegerValue(-5)}, {0x2, StringValue(L"Title")}, {0x4, StringValue(L"")},
+      {0x80, DateValue(kOctoberEveningHigh, kOctoberEveningLow)}, {0x100, DateValue(0, 0)},
+      {0x20, HandleValue(3, 77, L"Doc")}};
+  for (const auto& [id, value] : stored) EXPECT_EQ(StoredValues(block, id), Hexes{value}) << std::hex << id;
+  EXPECT_EQ(LoadU16(block.get() + 6), 3) << "the header summary follows the writers";
   EXPECT_EQ(LoadU32(block.get() + 8), 0xFFFFFFFBu);
   EXPECT_EQ(LoadU32(block.get() + 32), 77u);
-  DATE date = 0;
-  EXPECT_EQ(MvxGetDatePropValue(block.get(), 0x80, &date, TRUE), 0);
-  EXPECT_EQ(date, kOctoberEvening);
 
   // A writer empties attribute 16 first; the header's first parent stays.
   Committed parents = FromServerText({{L"parents", {L"A (Collection-12)", L"B (Collection-7)"}}});
-  ASSERT_EQ(LoadU32(parents.get() + 28), 2u);
   ASSERT_EQ(MvxPutMvHandlePropValue(0x400, 2, 99, nullptr, parents.slot()), S_OK);
-  EXPECT_EQ(StoredValues(parents, 0x400), (std::vector<std::string>{Hex(Bytes().u32(8).u16(2).u32(99).u16(0))}));
+  EXPECT_EQ(StoredValues(parents, 0x400), Hexes{HandleValue(2, 99, L"")});
   EXPECT_EQ(LoadU32(parents.get() + 28), 1u);
   EXPECT_EQ(LoadU32(parents.get() + 24), 12u);
 }
@@ -161,7 +97,6 @@ TEST(CommittedWriters, FailuresLeaveTheBlockAsItWas) {
   BYTE* const pointer = broken.get();
   EXPECT_EQ(MvxPutIntegerPropValue(0x80000040, 1, broken.slot()), 1) << "cannot be opened";
   EXPECT_EQ(MvxPutStringPropValue(0x10000, L"x", broken.slot()), 1);
-  EXPECT_EQ(MvxPutMvHandlePropValue(0x20, 3, 1, nullptr, broken.slot()), 1);
   EXPECT_EQ(MvxPutCustomIntegerProp(L"n", 1, broken.slot()), 1);
   EXPECT_EQ(MvxDeleteProp(0x20, broken.slot()), 1);
   EXPECT_EQ(MvxClearProp(0x2, broken.slot()), 1);
@@ -172,88 +107,51 @@ TEST(CommittedWriters, FailuresLeaveTheBlockAsItWas) {
   Committed block = FromServerText({{L"displayname", {L"Report"}}});
   const ByteVector good = block.bytes();
   BYTE* const good_pointer = block.get();
-  EXPECT_EQ(MvxPutDatePropValue(0x80, -700000.0, block.slot()), E_INVALIDARG) << "before the year 100";
   EXPECT_EQ(MvxPutDatePropValue(0x80, -110000.0, block.slot()), E_INVALIDARG) << "before 1601";
   EXPECT_EQ(MvxPutDatePropValue(0x80, std::nan(""), block.slot()), E_INVALIDARG);
   EXPECT_EQ(MvxPutCustomDateProp(L"d", 3e6, block.slot()), E_INVALIDARG) << "after 9999";
   SYSTEMTIME february_30 = Time(2006, 2, 30, 0, 0, 0, 0);
   EXPECT_EQ(MvxPutCustomSystemTimeProp(L"d", &february_30, block.slot()), E_INVALIDARG);
-  EXPECT_EQ(MvxPutCustomSystemTimeProp(L"d", nullptr, block.slot()), E_POINTER);
   EXPECT_EQ(MvxPutCustomFileTimeProp(L"d", nullptr, block.slot()), E_POINTER);
   EXPECT_EQ(MvxPutCustomStringProp(L"s", L"x", 4, block.slot()), E_INVALIDARG);
   EXPECT_EQ(MvxPutCustomStringProp(nullptr, L"x", 1, block.slot()), E_POINTER);
-  EXPECT_EQ(MvxPutCustomIntegerProp(nullptr, 1, block.slot()), E_POINTER);
   EXPECT_EQ(MvxModifyMvHandlePropValue(~0u, ~0u, nullptr, 0, 0, 0, nullptr, block.slot()), E_INVALIDARG);
   EXPECT_EQ(block.get(), good_pointer);
   EXPECT_EQ(Hex(block.bytes()), Hex(good));
 
   EXPECT_EQ(MvxPutIntegerPropValue(0x80000040, 1, nullptr), E_POINTER);
-  EXPECT_EQ(MvxPutDatePropValue(0x80, 1.0, nullptr), E_POINTER);
-  EXPECT_EQ(MvxDeleteProp(0x2, nullptr), E_POINTER);
   EXPECT_EQ(MvxClearCustomProp(L"x", 1, nullptr), E_POINTER);
 }
 
 TEST(CustomProperties, IntegerReaderRules) {
-  struct Case {
-    const wchar_t* text;
-    LONG expected;
-  } cases[] = {
-      {L"0x1F", 31},
-      {L"0xffffffff", -1},
-      {L"0x123456789", -1},          // clamped to 0xFFFFFFFF
-      {L"0X1F", 0},                  // not "0x": decimal 0 of a text that starts with '0'
-      {L"42", 42},
-      {L" -7", -7},
-      {L"007", 7},
-      {L"0", 0},
-      {L"99999999999", 0x7FFFFFFF},
-      {L"ab", 0x00620061},           // decimal 0: the first two code units
-      {L"-0", 0x0030002D},
-      {L"a", 0x61},                  // its terminator and nothing past the value
-      {L"", 0},
+  // "0x" hex clamped to 0xFFFFFFFF; decimal 0 of a text that does not start with '0' gives the
+  // first 4 bytes ("a": its terminator, then nothing past the value).
+  const std::pair<const wchar_t*, LONG> cases[] = {
+      {L"0x1F", 31},        {L"0xffffffff", -1}, {L"0x123456789", -1}, {L"0X1F", 0}, {L"42", 42},
+      {L" -7", -7},         {L"007", 7},         {L"0", 0},            {L"99999999999", 0x7FFFFFFF},
+      {L"ab", 0x00620061},  {L"-0", 0x0030002D}, {L"a", 0x61},         {L"", 0},
   };
-  for (const Case& c : cases) {
+  for (const auto& [text, expected] : cases) {
     Committed block;
-    ASSERT_EQ(MvxPutCustomStringProp(L"n", c.text, 1, block.slot()), S_OK);
+    ASSERT_EQ(MvxPutCustomStringProp(L"n", text, 1, block.slot()), S_OK);
     LONG value = 12345;
     EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"n", &value), S_OK);
-    EXPECT_EQ(value, c.expected) << testing::PrintToString(std::wstring(c.text));
+    EXPECT_EQ(value, expected) << testing::PrintToString(std::wstring(text));
   }
 
-  Committed block;
-  ASSERT_EQ(MvxPutCustomIntegerProp(L"int", -5, block.slot()), S_OK);
-  ASSERT_EQ(MvxPutCustomStringProp(L"text2", L"12", 2, block.slot()), S_OK);
-  FILETIME stored{kOctoberEveningLow, kOctoberEveningHigh};
-  ASSERT_EQ(MvxPutCustomFileTimeProp(L"date", &stored, block.slot()), S_OK);
-  LONG value = 0;
-  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"int", &value), S_OK);
-  EXPECT_EQ(value, -5);
-  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"text2", &value), S_OK);
-  EXPECT_EQ(value, 0x00320031) << "only type 1 is read as text";
-  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"date", &value), S_OK);
-  EXPECT_EQ(static_cast<DWORD>(value), kOctoberEveningHigh) << "the first 4 bytes: the high half";
-
-  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"missing", &value), E_FAIL);
-  EXPECT_EQ(value, 0);
-  EXPECT_EQ(MvxGetCustomIntegerProp(Broken().get(), L"int", &value), E_UNEXPECTED);
-  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), nullptr, &value), E_POINTER);
-  Committed without_values = FromServerText({{L"empty", {}}});
-  EXPECT_EQ(MvxGetCustomIntegerProp(without_values.get(), L"empty", &value), E_FAIL);
 }
 
-TEST(CustomProperties, StringsTypesAndDates) {
-  Committed block;
+TEST(CustomProperties, TypesAndEachReader) {
+  Committed block = FromServerText({{L"empty", {}}});
   ASSERT_EQ(MvxPutCustomStringProp(L"t0", L"zero", 0, block.slot()), S_OK);
   ASSERT_EQ(MvxPutCustomStringProp(L"t14", L"fourteen", 14, block.slot()), S_OK);
   ASSERT_EQ(MvxPutCustomStringProp(L"t0", L"again", 0, block.slot()), S_OK);
   {
     Opened info(block.get());
-    EXPECT_EQ(MvxGetCustomPropertyCount(info), 2);
-    for (auto [name, type] : {std::pair{L"t0", 1u}, std::pair{L"t14", 14u}}) {
-      HMVXATTR attribute = MvxFindAttribute(info, MvxFindCustomProperty(info, name), 1);
-      ASSERT_EQ(MvxGetAttributeValuesCount(info, attribute), 1);
-      EXPECT_EQ(Hex(ValueBytes(MvxGetAttributeValue(info, attribute, 0))), Hex(Bytes().u32(4).u32(type)));
-    }
+    EXPECT_EQ(MvxGetCustomPropertyCount(info), 3);
+    for (auto [name, type] : {std::pair{L"t0", 1}, std::pair{L"t14", 14}})
+      EXPECT_EQ(HexValues(info, MvxFindCustomProperty(info, name), MVX_ATTRIBUTE_PROPERTY_TYPE),
+                Hexes{IntegerValue(type)});
   }
   LPWSTR text = nullptr;
   EXPECT_EQ(MvxGetCustomStringProp(block.get(), L"t0", &text), S_OK);
@@ -262,46 +160,52 @@ TEST(CustomProperties, StringsTypesAndDates) {
   EXPECT_EQ(MvxGetCustomStringProp(block.get(), L"T0", &text), E_FAIL);
   EXPECT_EQ(text, nullptr);
   EXPECT_EQ(MvxGetCustomStringProp(Broken().get(), L"t0", &text), E_UNEXPECTED);
-  Committed without_values = FromServerText({{L"empty", {}}});
-  EXPECT_EQ(MvxGetCustomStringProp(without_values.get(), L"empty", &text), S_OK);
+  EXPECT_EQ(MvxGetCustomStringProp(block.get(), L"empty", &text), S_OK);
   EXPECT_STREQ(text, L"");
 
-  // Dates: stored as given, read as stored or converted.
+  // Dates: each writer stores the same instant; the readers convert it.
   const FILETIME stored{kOctoberEveningLow, kOctoberEveningHigh};
-  ASSERT_EQ(MvxPutCustomFileTimeProp(L"ft", &stored, block.slot()), S_OK);
   const SYSTEMTIME evening = Time(2006, 10, 3, 18, 0, 0, 2);
+  ASSERT_EQ(MvxPutCustomFileTimeProp(L"ft", &stored, block.slot()), S_OK);
   ASSERT_EQ(MvxPutCustomSystemTimeProp(L"st", &evening, block.slot()), S_OK);
   ASSERT_EQ(MvxPutCustomDateProp(L"ole", kOctoberEvening, block.slot()), S_OK);
-  ASSERT_EQ(MvxPutCustomDateProp(L"none", 0.0, block.slot()), S_OK);
+  SYSTEMTIME local;
+  ASSERT_TRUE(SystemTimeToTzSpecificLocalTime(nullptr, &evening, &local));
   for (const wchar_t* name : {L"ft", L"st", L"ole"}) {
     SCOPED_TRACE(testing::PrintToString(std::wstring(name)));
     FILETIME file_time{};
-    EXPECT_EQ(MvxGetCustomFileTimeProp(block.get(), name, &file_time), S_OK);
-    EXPECT_EQ(file_time.dwHighDateTime, kOctoberEveningHigh);
-    EXPECT_EQ(file_time.dwLowDateTime, kOctoberEveningLow);
     SYSTEMTIME time{};
-    EXPECT_EQ(MvxGetCustomSystemTimeProp(block.get(), name, &time, TRUE), S_OK);
-    EXPECT_EQ(Text(time), Text(evening));
-    SYSTEMTIME local_expected;
-    ASSERT_TRUE(SystemTimeToTzSpecificLocalTime(nullptr, &evening, &local_expected));
-    EXPECT_EQ(MvxGetCustomSystemTimeProp(block.get(), name, &time, FALSE), S_OK);
-    EXPECT_EQ(Text(time), Text(local_expected));
     DATE date = 0;
+    EXPECT_EQ(MvxGetCustomFileTimeProp(block.get(), name, &file_time), S_OK);
+    EXPECT_EQ(std::pair(file_time.dwHighDateTime, file_time.dwLowDateTime),
+              std::pair(kOctoberEveningHigh, kOctoberEveningLow));
+    EXPECT_EQ(MvxGetCustomSystemTimeProp(block.get(), name, &time, FALSE), S_OK);
+    EXPECT_EQ(Text(time), Text(local));
     EXPECT_EQ(MvxGetCustomDateProp(block.get(), name, &date, TRUE), S_OK);
     EXPECT_EQ(date, kOctoberEvening);
   }
-  FILETIME file_time{1, 1};
-  EXPECT_EQ(MvxGetCustomFileTimeProp(block.get(), L"none", &file_time), S_OK);
-  EXPECT_EQ(file_time.dwHighDateTime | file_time.dwLowDateTime, 0u);
+  // Other types than 1 give the integer reader the value's first 4 bytes.
+  LONG value = 0;
+  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"t14", &value), S_OK);
+  EXPECT_EQ(value, 0x006F0066);
+  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"ft", &value), S_OK);
+  EXPECT_EQ(static_cast<DWORD>(value), kOctoberEveningHigh) << "the high half comes first";
+  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"missing", &value), E_FAIL);
+  EXPECT_EQ(value, 0);
+  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), L"empty", &value), E_FAIL) << "attribute 16 without values";
+  EXPECT_EQ(MvxGetCustomIntegerProp(Broken().get(), L"ft", &value), E_UNEXPECTED);
+  EXPECT_EQ(MvxGetCustomIntegerProp(block.get(), nullptr, &value), E_POINTER);
+
   DATE date = 1;
-  EXPECT_EQ(MvxGetCustomDateProp(block.get(), L"none", &date, FALSE), S_OK);
-  EXPECT_EQ(date, 0.0);
-  ASSERT_EQ(MvxPutCustomStringProp(L"short", L"x", 1, block.slot()), S_OK);
-  EXPECT_EQ(MvxGetCustomDateProp(block.get(), L"short", &date, TRUE), E_FAIL) << "4 bytes are no date";
+  EXPECT_EQ(MvxGetCustomDateProp(block.get(), L"empty", &date, TRUE), E_FAIL) << "no values";
   EXPECT_EQ(MvxGetCustomSystemTimeProp(block.get(), L"absent", nullptr, TRUE), E_FAIL);
+  // A stored time that no SYSTEMTIME holds: missing, the out cleared.
   const FILETIME huge{0, 0x80000000};
   ASSERT_EQ(MvxPutCustomFileTimeProp(L"huge", &huge, block.slot()), S_OK);
-  EXPECT_EQ(MvxGetCustomSystemTimeProp(block.get(), L"huge", nullptr, TRUE), E_FAIL);
+  SYSTEMTIME time = Time(2006, 1, 1, 0, 0, 0, 0);
+  EXPECT_EQ(MvxGetCustomSystemTimeProp(block.get(), L"huge", &time, TRUE), E_FAIL);
+  EXPECT_EQ(Text(time), Text(SYSTEMTIME{}));
+  EXPECT_EQ(MvxGetCustomDateProp(block.get(), L"huge", &date, TRUE), E_FAIL);
 }
 
 TEST(PropertyPresence, HasDeleteAndClientData) {
@@ -310,7 +214,6 @@ TEST(PropertyPresence, HasDeleteAndClientData) {
   EXPECT_EQ(MvxHasProp(block.get(), 0x2), S_FALSE);
   EXPECT_EQ(MvxHasProp(Broken().get(), 0x2), E_UNEXPECTED);
   EXPECT_EQ(MvxHasProp(nullptr, 0x2), S_FALSE) << "a null block reads as an empty item info";
-  EXPECT_EQ(MvxHasCustomProp(block.get(), L"Retention"), S_OK);
   EXPECT_EQ(MvxHasCustomProp(block.get(), L"retention"), S_FALSE);
   EXPECT_EQ(MvxHasCustomProp(block.get(), nullptr), E_POINTER);
 
@@ -318,7 +221,6 @@ TEST(PropertyPresence, HasDeleteAndClientData) {
   ASSERT_EQ(MvxPutStringPropValue(0x10000, L"cd", block.slot()), S_OK);
   EXPECT_EQ(MvxHasProp(block.get(), 0x10000), S_OK);
   ASSERT_EQ(MvxDeleteProp(0x10000, block.slot()), S_OK);
-  EXPECT_EQ(MvxHasProp(block.get(), 0x10000), S_FALSE);
   EXPECT_EQ(MvxHasCustomProp(block.get(), L"client_data"), S_FALSE);
 
   ASSERT_EQ(MvxDeleteProp(0x800, block.slot()), S_OK);
@@ -333,14 +235,10 @@ TEST(PropertyPresence, HasDeleteAndClientData) {
   EXPECT_EQ(LoadU16(block.get() + 6), 3) << "the summary stays as it was";
 }
 
-// Readers on blocks that lie flush against a guard page, including a custom
-// text that is the block's last byte and has no terminator.
+// Readers on a block that lies flush against a guard page and ends in a
+// custom text without a terminator.
 TEST(CommittedReaders, StayInsideABlockFlushAgainstTheGuard) {
-  Committed source = FromServerText({{L"handle", {L"File-4711"}},
-                                     {L"parents", {L"A (Collection-1)"}},
-                                     {L"displayname", {L"T"}},
-                                     {L"getcontentlength", {L"9"}},
-                                     {L"creationdate", {L"2006-08-14T09:05:00Z"}}});
+  Committed source = FromServerText({{L"handle", {L"File-4711"}}, {L"displayname", {L"T"}}});
   {
     Opened info(source.get());
     HMVXPROP last = MvxAddCustomProperty(info, L"z");
@@ -352,19 +250,11 @@ TEST(CommittedReaders, StayInsideABlockFlushAgainstTheGuard) {
   const BYTE* block = guarded.data();
   LPWSTR text = nullptr;
   LONG number = 0;
-  SYSTEMTIME time;
   DATE date;
-  DWORD id;
-  MVXITEMTYPE type;
-  DWORD handle_number;
-  for (DWORD property : {0x2u, 0x20u, 0x40u, 0x80u, 0x400u, 0x10000u, 0x80000040u}) {
-    MvxGetStringPropValue(block, property, &text);
-    MvxGetIntegerPropValue(block, property, &number);
-    MvxGetDatePropValueAsSystemTime(block, property, &time, FALSE);
-    MvxGetDatePropValue(block, property, &date, TRUE);
-    MvxHasProp(block, property);
-  }
-  EXPECT_EQ(MvxGetMvHandlePropValue(block, ~0u, &id, &type, &handle_number, &text), 0);
+  EXPECT_EQ(MvxGetStringPropValue(block, 0x2, &text), 0);
+  EXPECT_EQ(MvxGetStringPropValue(block, 0x10000, &text), 1);
+  EXPECT_EQ(MvxHasProp(block, 0x80), S_FALSE);
+  EXPECT_EQ(MvxGetMvHandlePropValue(block, ~0u, nullptr, nullptr, nullptr, &text), 0);
   EXPECT_EQ(MvxGetCustomStringProp(block, L"z", &text), E_FAIL) << "no terminator";
   EXPECT_EQ(MvxGetCustomIntegerProp(block, L"z", &number), S_OK);
   EXPECT_EQ(number, 0x00333231) << "decimal 0: the value's 3 bytes, then a zero";

@@ -1,11 +1,13 @@
 // Helpers of the property tests: committed item infos built from server
-// text through the exports, and readers' answers as values.
+// text through the exports, and stored values as hex written out by hand.
 #pragma once
 
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cwchar>
 #include <initializer_list>
 #include <string>
 #include <utility>
@@ -15,6 +17,8 @@
 #include "common/item_info_blocks.h"
 
 namespace mvsup::test {
+
+using Hexes = std::vector<std::string>;
 
 struct ServerProperty {
   const wchar_t* name;
@@ -40,19 +44,28 @@ inline Committed FromServerText(std::initializer_list<ServerProperty> properties
 // A block that does not hold together: its entry table runs past its size.
 inline Committed Broken() { return Committed(Bytes().header(48).u16(254).u16(5).zeros(4)); }
 
-// The attribute 16 values of a property of an open item info, as bytes.
-inline std::vector<ByteVector> ValuesOf(HMVXINFO info, HMVXPROP property) {
-  std::vector<ByteVector> values;
-  HMVXATTR attribute = MvxFindAttribute(info, property, MVX_ATTRIBUTE_VALUES);
+// The values of one attribute of a property of an open item info, as hex.
+inline Hexes HexValues(HMVXINFO info, HMVXPROP property, DWORD attribute_id = MVX_ATTRIBUTE_VALUES) {
+  Hexes values;
+  HMVXATTR attribute = MvxFindAttribute(info, property, attribute_id);
   for (int i = 0; i < MvxGetAttributeValuesCount(info, attribute); ++i)
-    values.push_back(ValueBytes(MvxGetAttributeValue(info, attribute, i)));
+    values.push_back(Hex(ValueBytes(MvxGetAttributeValue(info, attribute, i))));
   return values;
 }
 
-inline std::vector<std::string> HexAll(const std::vector<ByteVector>& values) {
-  std::vector<std::string> out;
-  for (const ByteVector& value : values) out.push_back(Hex(value));
-  return out;
+// The values of an id-keyed property of a committed item info, read back by opening.
+inline Hexes StoredValues(const Committed& block, DWORD id) {
+  Opened info(block.get());
+  return HexValues(info, MvxFindProperty(info, id));
+}
+
+inline std::string StringValue(const wchar_t* text) {
+  return Hex(Bytes().u32(static_cast<uint32_t>(2 * (std::wcslen(text) + 1))).text(text));
+}
+inline std::string IntegerValue(LONG value) { return Hex(Bytes().u32(4).u32(static_cast<uint32_t>(value))); }
+inline std::string DateValue(DWORD high, DWORD low) { return Hex(Bytes().u32(8).u32(high).u32(low)); }
+inline std::string HandleValue(WORD type, DWORD number, const wchar_t* title) {
+  return Hex(Bytes().u32(static_cast<uint32_t>(6 + 2 * (std::wcslen(title) + 1))).u16(type).u32(number).text(title));
 }
 
 inline bool PointsInto(const Committed& block, const void* pointer) {
@@ -61,15 +74,7 @@ inline bool PointsInto(const Committed& block, const void* pointer) {
 }
 
 inline SYSTEMTIME Time(WORD year, WORD month, WORD day, WORD hour, WORD minute, WORD second, WORD day_of_week) {
-  SYSTEMTIME time{};
-  time.wYear = year;
-  time.wMonth = month;
-  time.wDay = day;
-  time.wHour = hour;
-  time.wMinute = minute;
-  time.wSecond = second;
-  time.wDayOfWeek = day_of_week;
-  return time;
+  return SYSTEMTIME{year, month, day_of_week, day, hour, minute, second, 0};
 }
 
 inline std::string Text(const SYSTEMTIME& t) {

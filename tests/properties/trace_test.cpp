@@ -1,9 +1,7 @@
 // What the property accessors write to the call-trace log at level 2. The
 // trace configuration is read when the library loads, so the traced calls
 // run in a child process started after the configuration is written.
-#include <windows.h>
-
-#include <gtest/gtest.h>
+#include <process.h>
 
 #include <regex>
 #include <string>
@@ -32,22 +30,13 @@ constexpr const wchar_t* kChildVariable = L"MVSUP_PROPERTIES_TRACE_CHILD";
   return true;
 }();
 
-DWORD RunChild() {
+// The CRT's environment is the one a spawned child inherits.
+intptr_t RunChild() {
   wchar_t exe[MAX_PATH] = {};
   GetModuleFileNameW(nullptr, exe, MAX_PATH);
-  std::wstring command = L"\"" + std::wstring(exe) + L"\" --gtest_filter=-*";
-  SetEnvironmentVariableW(kChildVariable, L"1");
-  STARTUPINFOW startup{};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION process{};
-  const BOOL started =
-      CreateProcessW(exe, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
-  SetEnvironmentVariableW(kChildVariable, nullptr);
-  if (!started) return 0xFFFFFFFF;
-  DWORD code = 0xFFFFFFFE;
-  if (WaitForSingleObject(process.hProcess, 60000) == WAIT_OBJECT_0) GetExitCodeProcess(process.hProcess, &code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
+  _wputenv((std::wstring(kChildVariable) + L"=1").c_str());
+  const intptr_t code = _wspawnl(_P_WAIT, exe, L"child", L"--gtest_filter=-*", nullptr);
+  _wputenv((std::wstring(kChildVariable) + L"=").c_str());
   return code;
 }
 
@@ -55,7 +44,7 @@ class PropertyTrace : public RegistrySandbox {};
 
 TEST_F(PropertyTrace, AccessorsWriteTheirScopesAndDetailLines) {
   TraceLogFolder log(0x10002);  // active, level 2
-  ASSERT_EQ(RunChild(), 0u);
+  ASSERT_EQ(RunChild(), 0);
   const std::string text = log.read_all();
   // START, the detail line, STOP with the result: nothing in between.
   const auto scope = [](const std::string& name, const std::string& detail) {

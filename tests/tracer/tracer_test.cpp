@@ -91,15 +91,20 @@ TEST_F(Tracer, ResIsDecimalForSmallCodesAndHexOtherwise) {
   EXPECT_EQ(seen, (std::vector<std::string>{"99", "64", "-799", "fffffce0", "0", "103"}));
 }
 
-TEST_F(Tracer, LinesNeedLevelTwoAndDumpsLevelThree) {
+TEST_F(Tracer, ScopesNeedLevelOneLinesTwoDumpsThree) {
   const unsigned char bytes[20] = {0x00, 0x01, 0x41, 0x42, 0xFF, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19};
-  for (DWORD level : {1u, 2u, 3u}) {
+  for (DWORD level : {0u, 1u, 2u, 3u}) {
     TraceLogFolder log(0x10000 | level);
     start();
+    { CallScope scope("Scope"); }
     trace::line("narrow %d\n", 7);
     trace::line(L"wide %ls\n", L"text");
     trace::dump(bytes, sizeof(bytes));
     const std::string text = log.read_all();
+    if (level == 0) {
+      EXPECT_EQ(text, "");  // no banner either
+    }
+    EXPECT_EQ(text.find("START Scope") != std::string::npos, level >= 1) << level;
     EXPECT_EQ(text.find("narrow 7\n") != std::string::npos, level >= 2) << level;
     EXPECT_EQ(text.find("wide text\n") != std::string::npos, level >= 2) << level;
     const bool dumped = contains(text, "\\[Address=0x[0-9A-F]+, Length=20 bytes, MaxRow=0\\]\n");
@@ -109,13 +114,6 @@ TEST_F(Tracer, LinesNeedLevelTwoAndDumpsLevelThree) {
       EXPECT_TRUE(contains(text, "\n00000010 +10 11 12 13 *"));
     }
   }
-}
-
-TEST_F(Tracer, LevelZeroWritesNoBannerAndNoRecords) {
-  TraceLogFolder log(0x10000);
-  start();
-  { CallScope scope("Anything"); }
-  EXPECT_EQ(log.read_all(), "");
 }
 
 TEST_F(Tracer, FileNamedByProcessThreadOrLibrary) {
@@ -235,7 +233,7 @@ TEST_F(Tracer, DetailBitsFollowEnableTracing) {
   EXPECT_EQ(trace::level(), 0);
 }
 
-TEST_F(Tracer, ReloadReadsTheMachineKeyAgainKeepingItsOwnBits) {
+TEST_F(Tracer, ReloadReadsTheConfigurationAgainKeepingItsOwnBits) {
   TraceLogFolder log(0x10010001);
   start();
   EXPECT_EQ(trace::level(), 1);
@@ -246,11 +244,8 @@ TEST_F(Tracer, ReloadReadsTheMachineKeyAgainKeepingItsOwnBits) {
   EXPECT_EQ(trace::level(), 2);  // and the reload flag itself is gone now
   set_dword(HKEY_LOCAL_MACHINE, L"Software\\Corvell\\Mervane Client\\SETTINGS\\TraceLog", L"SDK", 4);
   EXPECT_EQ(trace::level(), 2);
-}
 
-TEST_F(Tracer, ReloadFromTheComponentSettingsWithoutTheMachineFlag) {
-  TraceLogFolder log(0x10001);
-  start();
+  // Without the machine flag a reload reads the user's component settings.
   set_dword(HKEY_CURRENT_USER, kUserTraceKey, L"SDK", 0x10000004);
   trace::g_flags.store(trace::flag::kReloadEveryQuery | trace::flag::kActive | 1);
   EXPECT_EQ(trace::level(), 4);
