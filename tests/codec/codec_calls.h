@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -16,8 +17,6 @@
 #include "common/windows_md5.h"
 
 namespace mvsup::test {
-
-using bytes = std::string;  // raw bytes, NULs included
 
 // One call's result. size is GlobalSize of the handed-out block (0 when none).
 template <typename Char>
@@ -48,42 +47,47 @@ CodecResult<Char> call_codec(Fn fn, const In* input, DWORD count) {
   result.buffer = true;
   result.size = GlobalSize(out);
   result.block.assign(reinterpret_cast<const char*>(out), result.size);
-  if (static_cast<size_t>(length) * sizeof(Char) <= result.size) {
-    result.data.assign(out, length);
-  } else {
-    ADD_FAILURE() << "length " << length << " beyond the buffer of " << result.size << " bytes";
-  }
+  EXPECT_LE(size_t{length} * sizeof(Char), result.size) << "length beyond the buffer";
+  result.data.assign(out, std::min<size_t>(length, result.size / sizeof(Char)));
   GlobalFree(out);
   return result;
 }
 
+// S_OK with `expected` (one unit per character) in a block of `units` units
+// that is zero-filled after the data; with `units` 0, in a block of any size
+// that holds a NUL after the data.
+template <typename Char>
+void expect_ok(const CodecResult<Char>& r, std::string_view expected, size_t units = 0) {
+  std::basic_string<Char> want;
+  for (unsigned char c : expected) want += static_cast<Char>(c);
+  EXPECT_EQ(r.hr, S_OK);
+  EXPECT_EQ(r.data, want);
+  if (units) {
+    EXPECT_EQ(r.size, units * sizeof(Char));
+  }
+  std::string block(reinterpret_cast<const char*>(want.data()), want.size() * sizeof(Char));
+  block.resize(units ? r.size : block.size() + sizeof(Char), '\0');
+  EXPECT_EQ(r.block.substr(0, block.size()), block);
+}
+
+template <typename Out, typename Fn, typename Char>
+CodecResult<Out> call_on(Fn fn, std::basic_string_view<Char> in) {
+  return call_codec<Out>(fn, in.data(), static_cast<DWORD>(in.size()));
+}
 inline CodecResult<char> b64_encode(std::string_view in) {
   return call_codec<char>(Base64Encode, reinterpret_cast<const BYTE*>(in.data()), static_cast<DWORD>(in.size()));
 }
-inline CodecResult<BYTE> b64_decode(std::string_view in) {
-  return call_codec<BYTE>(Base64Decode, in.data(), static_cast<DWORD>(in.size()));
-}
-inline CodecResult<wchar_t> b64_encode_w(std::wstring_view in) {
-  return call_codec<wchar_t>(Base64EncodeW, in.data(), static_cast<DWORD>(in.size()));
-}
-inline CodecResult<wchar_t> b64_decode_w(std::wstring_view in) {
-  return call_codec<wchar_t>(Base64DecodeW, in.data(), static_cast<DWORD>(in.size()));
-}
-inline CodecResult<char> qp_decode(std::string_view in) {
-  return call_codec<char>(QuotedPrintable_DecodeA, in.data(), static_cast<DWORD>(in.size()));
-}
-inline CodecResult<wchar_t> qp_decode_w(std::wstring_view in) {
-  return call_codec<wchar_t>(QuotedPrintable_Decode, in.data(), static_cast<DWORD>(in.size()));
-}
+inline auto b64_decode(std::string_view in) { return call_on<BYTE>(Base64Decode, in); }
+inline auto b64_encode_w(std::wstring_view in) { return call_on<wchar_t>(Base64EncodeW, in); }
+inline auto b64_decode_w(std::wstring_view in) { return call_on<wchar_t>(Base64DecodeW, in); }
+inline auto qp_decode(std::string_view in) { return call_on<char>(QuotedPrintable_DecodeA, in); }
+inline auto qp_decode_w(std::wstring_view in) { return call_on<wchar_t>(QuotedPrintable_Decode, in); }
 
-inline std::string as_text(const std::basic_string<BYTE>& data) { return std::string(data.begin(), data.end()); }
 inline std::wstring widen(std::string_view text) {
   std::wstring out;
   for (char c : text) out += static_cast<wchar_t>(static_cast<unsigned char>(c));
   return out;
 }
-
-// ---- Oracles: crypt32 and advapi32 ----
 
 inline std::string crypt32_encode(std::string_view in) {
   DWORD size = 0;
@@ -96,32 +100,12 @@ inline std::string crypt32_encode(std::string_view in) {
   return out;
 }
 
-inline std::string crypt32_decode(std::string_view in) {
-  DWORD size = 0;
-  if (!CryptStringToBinaryA(in.data(), static_cast<DWORD>(in.size()), CRYPT_STRING_BASE64, nullptr, &size, nullptr,
-                            nullptr))
-    return "<crypt32 failed>";
-  std::string out(size, '\0');
-  if (!CryptStringToBinaryA(in.data(), static_cast<DWORD>(in.size()), CRYPT_STRING_BASE64,
-                            reinterpret_cast<BYTE*>(out.data()), &size, nullptr, nullptr))
-    return "<crypt32 failed>";
-  out.resize(size);
-  return out;
-}
-
-
 inline std::string advapi_md5(std::string_view in) {
   AdvapiMd5Context context;
   MD5Init(&context);
   MD5Update(&context, reinterpret_cast<const unsigned char*>(in.data()), static_cast<unsigned>(in.size()));
   MD5Final(&context);
   return std::string(reinterpret_cast<const char*>(context.digest), 16);
-}
-
-inline std::string our_md5(std::string_view in) {
-  BYTE digest[16];
-  EXPECT_EQ(MD5GetDigest(in.data(), static_cast<DWORD>(in.size()), digest), S_OK);
-  return std::string(reinterpret_cast<const char*>(digest), 16);
 }
 
 inline std::string hex_lower(std::string_view data) {

@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
-#include "iteminfo/support.h"
+#include "common/item_info_blocks.h"
+#include "iteminfo/item_info.h"
 
 namespace mvsup::test {
 namespace {
@@ -36,20 +38,20 @@ TEST(ItemInfoLifecycle, UpdateMovesTheItemInfoOntoANewBlock) {
   Committed holder;
   BYTE* block = Committed::create().release();
   Opened info(block);
-  MvxAddInteger(info, MvxAddAttribute(info, AddProperty(info, 0x80000040), 16), 300);
+  MvxAddInteger(info, MvxAddAttribute(info, MvxAddProperty(info, 0x80000040), 16), 300);
   BYTE* const old = block;
   ASSERT_EQ(MvxUpdateItemInfo(info, &block), S_OK);
   holder.reset(block);  // the old block was freed by the update
   EXPECT_NE(block, old);
   EXPECT_EQ(LoadU32(block), MvxGetCommitSpace(info));
   EXPECT_EQ(LoadU32(block + 8), 300u);
-  EXPECT_EQ(Internals(info).buffer, block);
+  EXPECT_EQ(iteminfo::from_handle(info)->buffer, block);
 
   // A null in/out block only receives the new one.
   BYTE* fresh = nullptr;
   ASSERT_EQ(MvxUpdateItemInfo(info, &fresh), S_OK);
   holder.reset(fresh);
-  EXPECT_EQ(Internals(info).buffer, fresh);
+  EXPECT_EQ(iteminfo::from_handle(info)->buffer, fresh);
 
   EXPECT_EQ(MvxUpdateItemInfo(info, nullptr), E_POINTER);
   BYTE* unchanged = fresh;
@@ -57,25 +59,15 @@ TEST(ItemInfoLifecycle, UpdateMovesTheItemInfoOntoANewBlock) {
   EXPECT_EQ(unchanged, fresh);
 }
 
-TEST(ItemInfoLifecycle, OpenOverNothingStartsEmpty) {
-  Committed committed;
-  Opened info(nullptr);
-  ASSERT_NE(info.get(), nullptr);
-  EXPECT_EQ(MvxGetCommitSpace(info), 40u);
-  MvxAddString(info, MvxAddAttribute(info, AddProperty(info, 2), 16), L"t");
-  EXPECT_EQ(Hex(CommitExactly(info, committed)),
-            Hex(Bytes().header(72).u16(254).u16(1).u32(2).u32(8).u16(1).u32(16).u32(8).u16(1).u32(4).text(L"t")));
-}
-
 TEST(ItemInfoLifecycle, CommitRefusesTheBlockItWasOpenedOver) {
   Committed source(Bytes().header(54).u16(254).u16(1).u32(4).u32(8).u16(0));
   const ByteVector before = source.bytes();
   Opened info(source.get());
-  AddProperty(info, 6);
+  MvxAddProperty(info, 6);
   EXPECT_EQ(MvxCommit(info, source.get()), 0u);
   EXPECT_EQ(MvxCommit(info, source.get() + 20), 0u);
   EXPECT_EQ(Hex(source.bytes()), Hex(before));
-  EXPECT_EQ(Internals(info).buffer, source.get());
+  EXPECT_EQ(iteminfo::from_handle(info)->buffer, source.get());
 }
 
 // Large blocks come straight from virtual memory and go back to it when
@@ -87,19 +79,19 @@ bool IsCommitted(const void* address) {
   return VirtualQuery(address, &region, sizeof region) == sizeof region && region.State == MEM_COMMIT;
 }
 
-class ValueOwnership : public ::testing::Test {
- protected:
-  PMVXVALUE AddLarge(HMVXINFO info, DWORD property) {
-    PMVXVALUE value = MvxAddBinary(info, MvxAddAttribute(info, AddProperty(info, property), 16), large_.data(),
-                                   static_cast<DWORD>(large_.size()));
-    EXPECT_NE(value, nullptr);
-    EXPECT_TRUE(IsCommitted(value));
-    return value;
-  }
-  std::vector<BYTE> large_ = std::vector<BYTE>(kLarge, 0x5a);
-};
+const std::vector<BYTE> kLargeData(kLarge, 0x5a);
 
-TEST_F(ValueOwnership, CloseFreesTheBlocksOutsideTheBuffer) {
+PMVXVALUE AddLarge(HMVXINFO info, DWORD property) {
+  PMVXVALUE value = MvxAddBinary(info, MvxAddAttribute(info, MvxAddProperty(info, property), 16), kLargeData.data(),
+                                 static_cast<DWORD>(kLarge));
+  EXPECT_NE(value, nullptr);
+  EXPECT_TRUE(IsCommitted(value));
+  return value;
+}
+
+// Closing frees the value blocks outside the buffer, unless the item info
+// never had a buffer: then they are the caller's.
+TEST(ValueOwnership, CloseFreesValuesUnlessThereWasNeverABuffer) {
   Committed created = Committed::create();
   PMVXVALUE value;
   {
@@ -107,10 +99,6 @@ TEST_F(ValueOwnership, CloseFreesTheBlocksOutsideTheBuffer) {
     value = AddLarge(info, 4);
   }
   EXPECT_FALSE(IsCommitted(value));
-}
-
-TEST_F(ValueOwnership, AnItemInfoThatNeverHadABufferLeavesItsValuesToTheCaller) {
-  PMVXVALUE value;
   {
     Opened info(nullptr);
     value = AddLarge(info, 4);
@@ -129,36 +117,30 @@ void CommitInto(HMVXINFO info, Committed& into) {
   EXPECT_EQ(MvxCommit(info, into.get()), MvxGetCommitSpace(info));
 }
 
-TEST_F(ValueOwnership, CommitFreesMovedHeapBlocksAndNeverTheOldBuffer) {
+// Commits, deletes and replaces free the heap blocks they move or drop, and
+// never a block inside a buffer.
+TEST(ValueOwnership, CommitDeleteAndReplaceFreeHeapBlocksOnly) {
   Committed first, second;
   Opened info(nullptr);
   PMVXVALUE value = AddLarge(info, 4);
   CommitInto(info, first);
   EXPECT_FALSE(IsCommitted(value)) << "the heap block moved into the commit";
-
-  // Values inside the old buffer are copied, not freed: the buffer stays whole.
   const ByteVector before = first.bytes();
-  HMVXATTR values = MvxFindAttribute(info, FindProperty(info, 4), 16);
-  PMVXVALUE in_first = MvxGetAttributeValue(info, values, 0);
-  EXPECT_GT(in_first, first.get());
+  HMVXATTR values = MvxFindAttribute(info, MvxFindProperty(info, 4), 16);
+  EXPECT_GT(MvxGetAttributeValue(info, values, 0), first.get());
   CommitInto(info, second);
-  EXPECT_TRUE(first.bytes() == before);
+  EXPECT_TRUE(first.bytes() == before) << "values inside the old buffer are copied, not freed";
   EXPECT_GT(MvxGetAttributeValue(info, values, 0), second.get());
-  EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
-}
 
-TEST_F(ValueOwnership, DeleteAndReplaceFreeHeapBlocksOnly) {
-  Committed created = Committed::create();
-  Opened info(created.get());
-  PMVXVALUE first = AddLarge(info, 4);
-  PMVXVALUE second = AddLarge(info, 6);
-  MvxDeleteAttributeValue(info, MvxFindAttribute(info, FindProperty(info, 4), 16), 0);
-  EXPECT_FALSE(IsCommitted(first));
-  PMVXVALUE bigger = MvxReplaceString(info, MvxFindAttribute(info, FindProperty(info, 6), 16), 0,
+  PMVXVALUE deleted = AddLarge(info, 6);
+  PMVXVALUE replaced = AddLarge(info, 8);
+  MvxDeleteAttributeValue(info, MvxFindAttribute(info, MvxFindProperty(info, 6), 16), 0);
+  EXPECT_FALSE(IsCommitted(deleted));
+  PMVXVALUE bigger = MvxReplaceString(info, MvxFindAttribute(info, MvxFindProperty(info, 8), 16), 0,
                                       std::wstring(kLarge, L'x').c_str());
   ASSERT_NE(bigger, nullptr);
-  EXPECT_NE(bigger, second);
-  EXPECT_FALSE(IsCommitted(second));
+  EXPECT_NE(bigger, replaced);
+  EXPECT_FALSE(IsCommitted(replaced));
   EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
 }
 

@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <stdexcept>
+#include <utility>
 
-#include "iteminfo/support.h"
+#include "common/item_info_blocks.h"
 
 namespace mvsup::test {
 namespace {
@@ -14,46 +14,34 @@ namespace {
 class ItemValues : public ::testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_NE(created_.get(), nullptr);
     ASSERT_NE(info_.get(), nullptr);
-    property_ = AddProperty(info_, 0x1000);
-    ASSERT_NE(property_, nullptr);
+    property_ = MvxAddProperty(info_, 0x1000);
     values_ = MvxAddAttribute(info_, property_, 16);
     ASSERT_NE(values_, nullptr);
   }
 
   Committed created_ = Committed::create();
-  Committed committed_;
   Opened info_{created_.get()};
   HMVXPROP property_ = nullptr;
   HMVXATTR values_ = nullptr;
 };
 
 TEST_F(ItemValues, AttributesAreAddedOnceAndWalkedInSignedOrder) {
-  const DWORD space = MvxGetCommitSpace(info_);
-  Internals(info_).modified = 0;
   EXPECT_EQ(MvxAddAttribute(info_, property_, 16), values_);
-  EXPECT_EQ(MvxGetCommitSpace(info_), space);
-  EXPECT_EQ(Internals(info_).modified, 0u) << "finding an attribute is no change";
   HMVXATTR high = MvxAddAttribute(info_, property_, 0x90000000);
   HMVXATTR one = MvxAddAttribute(info_, property_, 1);
-  EXPECT_EQ(MvxGetCommitSpace(info_), space + 20);
-  EXPECT_EQ(Internals(info_).modified, 1u);
   EXPECT_EQ(MvxFindAttribute(info_, property_, 1), one);
   EXPECT_EQ(MvxFindAttribute(info_, property_, 2), nullptr);
   EXPECT_EQ(MvxGetAttributeCount(info_, property_), 3);
 
   HMVXPOS position = MvxGetHeadAttribute(info_, property_);
-  ASSERT_NE(position, nullptr);
-  DWORD id = 0xdeadbeef;
-  EXPECT_EQ(MvxGetNextAttribute(info_, &id, &position), high);
-  EXPECT_EQ(id, 0x90000000u);
-  EXPECT_EQ(MvxGetNextAttribute(info_, &id, &position), one);
-  EXPECT_EQ(id, 1u);
-  EXPECT_EQ(MvxGetNextAttribute(info_, nullptr, &position), values_);
+  DWORD id = 0;
+  for (const auto& [expected_id, expected] : {std::pair{0x90000000u, high}, {1u, one}, {16u, values_}}) {
+    EXPECT_EQ(MvxGetNextAttribute(info_, &id, &position), expected);
+    EXPECT_EQ(id, expected_id);
+  }
   EXPECT_EQ(position, nullptr) << "the last attribute ends the walk";
   EXPECT_EQ(MvxGetNextAttribute(info_, &id, &position), nullptr);
-
   // A value position does not walk attributes.
   MvxAddInteger(info_, values_, 1);
   HMVXPOS value_position = MvxGetHeadAttributeValue(info_, values_);
@@ -63,10 +51,10 @@ TEST_F(ItemValues, AttributesAreAddedOnceAndWalkedInSignedOrder) {
   MvxDeleteAllAttributes(info_, property_);
   EXPECT_EQ(MvxGetAttributeCount(info_, property_), 0);
   EXPECT_EQ(MvxGetHeadAttribute(info_, property_), nullptr);
-  EXPECT_EQ(MvxGetCommitSpace(info_), space - 10);
 }
 
-TEST_F(ItemValues, NullArgumentsChangeNothing) {
+TEST_F(ItemValues, NullArgumentsChangeNothingAndReadAsNull) {
+  PMVXVALUE text = MvxAddString(info_, values_, L"abc");
   const DWORD space = MvxGetCommitSpace(info_);
   EXPECT_EQ(MvxAddAttribute(nullptr, property_, 1), nullptr);
   EXPECT_EQ(MvxAddAttribute(info_, nullptr, 1), nullptr);
@@ -87,137 +75,87 @@ TEST_F(ItemValues, NullArgumentsChangeNothing) {
   EXPECT_EQ(MvxCommit(nullptr, created_.get()), 0u);
   EXPECT_EQ(MvxCommit(info_, nullptr), 0u);
   MvxClose(nullptr);
-}
 
-// Each kind's block, written out by hand from the value encodings.
-TEST_F(ItemValues, EachKindIsEncodedAsItsBlock) {
-  EXPECT_EQ(Hex(ValueBytes(MvxAddString(info_, values_, L"ab"))), Hex(Bytes().u32(6).text(L"ab")));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddString(info_, values_, nullptr))), Hex(Bytes().u32(2).u16(0)));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddInteger(info_, values_, -2))), Hex(Bytes().u32(4).u32(0xfffffffe)));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddPropertyType(info_, values_, 17))), Hex(Bytes().u32(4).u32(17)));
-  // 1.5 is 0x3FF8000000000000.
-  EXPECT_EQ(Hex(ValueBytes(MvxAddFloat(info_, values_, 0, 0x3ff80000))), Hex(Bytes().u32(8).u32(0).u32(0x3ff80000)));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddDateTime(info_, values_, 0x01d710b4, 0x16006000))),
-            Hex(Bytes().u32(8).u32(0x01d710b4).u32(0x16006000)));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddBinary(info_, values_, "\x00\xff\x10", 3))),
-            Hex(Bytes().u32(3).u8(0).u8(0xff).u8(0x10)));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddBinary(info_, values_, nullptr, 0))), Hex(Bytes().u32(0)));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddMvHandle(info_, values_, 0x10003, 0x01020304, L"T"))),
-            Hex(Bytes().u32(10).u16(3).u32(0x01020304).text(L"T")));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddMvHandle(info_, values_, 2, 5, nullptr))), Hex(Bytes().u32(8).u16(2).u32(5).u16(0)));
-  EXPECT_EQ(Hex(ValueBytes(MvxAddACE(info_, values_, 9, 0x11223344, L"me", 0x1f))),
-            Hex(Bytes().u32(16).u16(9).u32(0x11223344).text(L"me").u32(0x1f)));
-  EXPECT_EQ(MvxGetAttributeValuesCount(info_, values_), 11);
-}
-
-TEST_F(ItemValues, ReadersHandOutPointersIntoTheBlock) {
-  PMVXVALUE text = MvxAddString(info_, values_, L"abc");
-  PMVXVALUE number = MvxAddInteger(info_, values_, 42);
-  PMVXVALUE real = MvxAddFloat(info_, values_, 0, 0x3ff80000);
-  PMVXVALUE date = MvxAddDateTime(info_, values_, 0x01d710b4, 0x16006000);
-  PMVXVALUE blob = MvxAddBinary(info_, values_, "xyz", 3);
-  PMVXVALUE handle = MvxAddMvHandle(info_, values_, 3, 77, L"Doc");
-  PMVXVALUE ace = MvxAddACE(info_, values_, 5, 6, L"name", 0x1234);
-
-  LPWSTR string = nullptr;
-  EXPECT_EQ(MvxGetString(info_, text, &string), 8u);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(string), text + 4);
-  EXPECT_STREQ(string, L"abc");
-  LONG* integer = nullptr;
-  MvxGetInteger(info_, number, &integer);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(integer), number + 4);
-  EXPECT_EQ(*integer, 42);
-  DWORD* type = nullptr;
-  MvxGetPropertyType(info_, number, &type);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(type), number + 4);
-  double* floating = nullptr;
-  MvxGetFloat(info_, real, &floating);
-  EXPECT_EQ(*floating, 1.5);
-  DWORD* high = nullptr;
-  DWORD* low = nullptr;
-  MvxGetDateTime(info_, date, &high, &low);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(high), date + 4);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(low), date + 8);
-  EXPECT_EQ(*high, 0x01d710b4u);
-  BYTE* packed = nullptr;
-  EXPECT_EQ(MvxGetDateTimePacked(info_, date, &packed), date + 4);
-  EXPECT_EQ(packed, date + 4);
-  BYTE* data = nullptr;
-  DWORD size = 0;
-  MvxGetBinary(info_, blob, &data, &size);
-  EXPECT_EQ(data, blob + 4);
-  EXPECT_EQ(size, 3u);
-
-  WORD* item_type = nullptr;
-  DWORD* item_number = nullptr;
-  LPWSTR title = nullptr;
-  MvxGetMvHandle(info_, handle, &item_type, &item_number, &title);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(item_type), handle + 4);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(item_number), handle + 6);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(title), handle + 10);
-  EXPECT_EQ(LoadU32(reinterpret_cast<BYTE*>(item_number)), 77u);
-  EXPECT_STREQ(title, L"Doc");
-
-  WORD* principal_type = nullptr;
-  DWORD* principal_number = nullptr;
-  LPWSTR name = nullptr;
-  DWORD* access = nullptr;
-  MvxGetACE(info_, ace, &principal_type, &principal_number, &name, &access);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(name), ace + 10);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(access), ace + 20);
-  EXPECT_EQ(LoadU32(reinterpret_cast<BYTE*>(access)), 0x1234u);
-  // Every out argument may be null.
-  MvxGetACE(info_, ace, nullptr, nullptr, nullptr, nullptr);
-  MvxGetMvHandle(info_, handle, nullptr, nullptr, nullptr);
-  EXPECT_EQ(MvxGetString(info_, text, nullptr), 8u);
-
-  // A null item info or value writes nulls.
-  string = reinterpret_cast<LPWSTR>(1);
-  EXPECT_EQ(MvxGetString(nullptr, text, &string), 0u);
-  EXPECT_EQ(string, nullptr);
-  item_type = reinterpret_cast<WORD*>(1);
-  title = reinterpret_cast<LPWSTR>(1);
-  MvxGetMvHandle(info_, nullptr, &item_type, &item_number, &title);
-  EXPECT_EQ(item_type, nullptr);
-  EXPECT_EQ(title, nullptr);
-  size = 9;
-  MvxGetBinary(nullptr, blob, &data, &size);
+  // Readers given a null item info or value write nulls; null outs are skipped.
+  BYTE* data = reinterpret_cast<BYTE*>(1);
+  DWORD size = 9;
+  MvxGetBinary(nullptr, text, &data, &size);
   EXPECT_EQ(data, nullptr);
   EXPECT_EQ(size, 0u);
-  EXPECT_EQ(MvxGetDateTimePacked(info_, nullptr, &packed), nullptr);
+  WORD* item_type = reinterpret_cast<WORD*>(1);
+  LPWSTR title = reinterpret_cast<LPWSTR>(1);
+  MvxGetMvHandle(info_, nullptr, &item_type, nullptr, &title);
+  EXPECT_EQ(item_type, nullptr);
+  EXPECT_EQ(title, nullptr);
+  MvxGetACE(info_, text, nullptr, nullptr, nullptr, nullptr);
 }
 
-TEST_F(ItemValues, AceWithEmptyNameHasItsAccessRightAfterTheTerminator) {
-  PMVXVALUE ace = MvxAddACE(info_, values_, 1, 2, nullptr, 0xabcd);
-  EXPECT_EQ(LoadU32(ace), 12u);
-  LPWSTR name = nullptr;
-  DWORD* access = nullptr;
+// Each kind's block, written out by hand from the value encodings, and the
+// readers' pointers into it.
+TEST_F(ItemValues, EachKindIsEncodedAsItsBlockAndReadInsideIt) {
+  const auto add = [](PMVXVALUE value, const Bytes& expected) {
+    EXPECT_EQ(Hex(ValueBytes(value)), Hex(expected));
+    return value;
+  };
+  PMVXVALUE text = add(MvxAddString(info_, values_, L"ab"), Bytes().u32(6).text(L"ab"));
+  add(MvxAddString(info_, values_, nullptr), Bytes().u32(2).u16(0));
+  PMVXVALUE number = add(MvxAddInteger(info_, values_, -2), Bytes().u32(4).u32(0xfffffffe));
+  add(MvxAddPropertyType(info_, values_, 17), Bytes().u32(4).u32(17));
+  // 1.5 is 0x3FF8000000000000.
+  PMVXVALUE real = add(MvxAddFloat(info_, values_, 0, 0x3ff80000), Bytes().u32(8).u32(0).u32(0x3ff80000));
+  add(MvxAddDateTime(info_, values_, 0x01d710b4, 0x16006000), Bytes().u32(8).u32(0x01d710b4).u32(0x16006000));
+  PMVXVALUE blob = add(MvxAddBinary(info_, values_, "\x00\xff\x10", 3), Bytes().u32(3).u8(0).u8(0xff).u8(0x10));
+  add(MvxAddBinary(info_, values_, nullptr, 0), Bytes().u32(0));
+  PMVXVALUE handle = add(MvxAddMvHandle(info_, values_, 0x10003, 0x01020304, L"T"),
+                         Bytes().u32(10).u16(3).u32(0x01020304).text(L"T"));
+  add(MvxAddMvHandle(info_, values_, 2, 5, nullptr), Bytes().u32(8).u16(2).u32(5).u16(0));
+  PMVXVALUE ace = add(MvxAddACE(info_, values_, 9, 0x11223344, L"me", 0x1f),
+                      Bytes().u32(16).u16(9).u32(0x11223344).text(L"me").u32(0x1f));
+  PMVXVALUE unnamed =
+      add(MvxAddACE(info_, values_, 1, 2, nullptr, 0xabcd), Bytes().u32(12).u16(1).u32(2).u16(0).u32(0xabcd));
+  EXPECT_EQ(MvxGetAttributeValuesCount(info_, values_), 12);
+
+  LPWSTR string = nullptr, title = nullptr, name = nullptr, no_name = nullptr;
+  LONG* integer = nullptr;
+  double* floating = nullptr;
+  DWORD *type = nullptr, *high = nullptr, *low = nullptr, *item_number = nullptr, *access = nullptr,
+        *no_name_access = nullptr;
+  BYTE *packed = nullptr, *data = nullptr;
+  DWORD size = 0;
+  WORD* item_type = nullptr;
+  EXPECT_EQ(MvxGetString(info_, text, &string), 6u);
+  MvxGetInteger(info_, number, &integer);
+  MvxGetPropertyType(info_, number, &type);
+  MvxGetFloat(info_, real, &floating);
+  MvxGetDateTime(info_, real, &high, &low);
+  EXPECT_EQ(MvxGetDateTimePacked(info_, real, &packed), real + 4);
+  MvxGetBinary(info_, blob, &data, &size);
+  MvxGetMvHandle(info_, handle, &item_type, &item_number, &title);
   MvxGetACE(info_, ace, nullptr, nullptr, &name, &access);
-  ASSERT_NE(name, nullptr);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(access), reinterpret_cast<BYTE*>(name) + 2);
-  EXPECT_EQ(*access, 0xabcdu);
-}
+  MvxGetACE(info_, unnamed, nullptr, nullptr, &no_name, &no_name_access);
+  // An empty name's access value lies right after its terminator.
+  const std::pair<const void*, const void*> pointers[] = {
+      {string, text + 4},      {integer, number + 4},     {type, number + 4},   {floating, real + 4},
+      {high, real + 4},        {low, real + 8},           {packed, real + 4},   {data, blob + 4},
+      {item_type, handle + 4}, {item_number, handle + 6}, {title, handle + 10}, {name, ace + 10},
+      {access, ace + 16},      {no_name, unnamed + 10},   {no_name_access, unnamed + 12}};
+  for (size_t i = 0; i < std::size(pointers); ++i) EXPECT_EQ(pointers[i].first, pointers[i].second) << "pointer " << i;
+  EXPECT_EQ(size, 3u);
+  EXPECT_EQ(*floating, 1.5);
 
-// Fields that do not fit inside a value's length are handed out as null.
-TEST_F(ItemValues, ReadersDoNotPointPastAShortValue) {
+  // Fields that do not fit inside a value's length are handed out as null.
   PMVXVALUE tiny = MvxAddBinary(info_, values_, "\x01\x00", 2);
-  LONG* integer = reinterpret_cast<LONG*>(1);
   MvxGetInteger(info_, tiny, &integer);
   EXPECT_EQ(integer, nullptr);
-  WORD* type = nullptr;
-  DWORD* number = reinterpret_cast<DWORD*>(1);
-  LPWSTR title = reinterpret_cast<LPWSTR>(1);
-  MvxGetMvHandle(info_, tiny, &type, &number, &title);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(type), tiny + 4);
-  EXPECT_EQ(number, nullptr);
+  MvxGetMvHandle(info_, tiny, &item_type, &item_number, &title);
+  EXPECT_EQ(reinterpret_cast<BYTE*>(item_type), tiny + 4);
+  EXPECT_EQ(item_number, nullptr);
   EXPECT_EQ(title, nullptr);
   // A handle whose title has no terminator inside the value.
   PMVXVALUE unterminated = MvxAddBinary(info_, values_, "\x01\x00\x02\x00\x00\x00\x41\x00", 8);
-  MvxGetMvHandle(info_, unterminated, &type, &number, &title);
-  EXPECT_NE(number, nullptr);
+  MvxGetMvHandle(info_, unterminated, &item_type, &item_number, &title);
+  EXPECT_NE(item_number, nullptr);
   EXPECT_EQ(title, nullptr);
-  LPWSTR name = reinterpret_cast<LPWSTR>(1);
-  DWORD* access = reinterpret_cast<DWORD*>(1);
   MvxGetACE(info_, MvxAddBinary(info_, values_, "\x01\x00\x02\x00\x00\x00\x00\x00\x01", 9), nullptr, nullptr,
             &name, &access);
   EXPECT_EQ(name, nullptr);
@@ -231,7 +169,6 @@ TEST_F(ItemValues, ShorterReplacementsKeepTheirBlockAndLength) {
   EXPECT_EQ(MvxGetCommitSpace(info_), space);
   // L stays 14: the new text, its terminator, then the old tail.
   EXPECT_EQ(Hex(ValueBytes(original)), Hex(Bytes().u32(14).text(L"xy").u16(L'd').u16(L'e').u16(L'f').u16(0)));
-
   PMVXVALUE longer = MvxReplaceString(info_, values_, 0, L"12345678");
   ASSERT_NE(longer, nullptr);
   EXPECT_EQ(LoadU32(longer), 18u);
@@ -243,33 +180,26 @@ TEST_F(ItemValues, ShorterReplacementsKeepTheirBlockAndLength) {
   EXPECT_EQ(Hex(ValueBytes(blob)), Hex(Bytes().u32(5).u8('a').u8('b').u8('3').u8('4').u8('5')));
   PMVXVALUE handle = MvxAddMvHandle(info_, values_, 1, 2, L"long title");
   EXPECT_EQ(MvxReplaceMvHandle(info_, values_, 2, 7, 8, L"t"), handle);
-  EXPECT_EQ(LoadU32(handle), 28u);
-  EXPECT_EQ(LoadU16(handle + 4), 7);
-  EXPECT_EQ(LoadU32(handle + 6), 8u);
-  EXPECT_STREQ(reinterpret_cast<wchar_t*>(handle + 10), L"t");
+  EXPECT_EQ(Hex(ByteVector(handle, handle + 14)), Hex(Bytes().u32(28).u16(7).u32(8).text(L"t")));
 
   // Fixed-size kinds are overwritten in place.
   PMVXVALUE number = MvxAddInteger(info_, values_, 1);
   PMVXVALUE date = MvxAddDateTime(info_, values_, 1, 2);
   const DWORD before = MvxGetCommitSpace(info_);
   EXPECT_EQ(MvxReplaceInteger(info_, values_, 3, -5), number);
+  EXPECT_EQ(Hex(ValueBytes(number)), Hex(Bytes().u32(4).u32(0xfffffffb)));
   EXPECT_EQ(MvxReplaceDateTime(info_, values_, 4, 0x11, 0x22), date);
   EXPECT_EQ(Hex(ValueBytes(date)), Hex(Bytes().u32(8).u32(0x11).u32(0x22)));
   EXPECT_EQ(MvxReplaceFloat(info_, values_, 4, 0x33, 0x44), date);
   EXPECT_EQ(Hex(ValueBytes(date)), Hex(Bytes().u32(8).u32(0x33).u32(0x44)));
-  EXPECT_EQ(LoadU32(number + 4), 0xfffffffbu);
   // An integer into a block too short for it gets a block of its own.
   MvxAddString(info_, values_, nullptr);
-  PMVXVALUE grown = MvxReplaceInteger(info_, values_, 5, 9);
-  EXPECT_EQ(Hex(ValueBytes(grown)), Hex(Bytes().u32(4).u32(9)));
+  EXPECT_EQ(Hex(ValueBytes(MvxReplaceInteger(info_, values_, 5, 9))), Hex(Bytes().u32(4).u32(9)));
   EXPECT_EQ(MvxGetCommitSpace(info_), before + 6 + 2);
-
-  EXPECT_EQ(MvxReplaceInteger(info_, values_, 6, 1), nullptr) << "index out of range";
-  EXPECT_EQ(MvxReplaceString(info_, values_, -1, L"x"), nullptr);
 }
 
 TEST_F(ItemValues, DeletingAValueMovesTheLaterOnesUp) {
-  PMVXVALUE a = MvxAddString(info_, values_, L"a");
+  MvxAddString(info_, values_, L"a");
   PMVXVALUE b = MvxAddString(info_, values_, L"bb");
   PMVXVALUE c = MvxAddString(info_, values_, L"ccc");
   const DWORD space = MvxGetCommitSpace(info_);
@@ -277,12 +207,6 @@ TEST_F(ItemValues, DeletingAValueMovesTheLaterOnesUp) {
   EXPECT_EQ(MvxGetCommitSpace(info_), space - 8);
   ASSERT_EQ(MvxGetAttributeValuesCount(info_, values_), 2);
   EXPECT_EQ(MvxGetAttributeValue(info_, values_, 0), b);
-  EXPECT_EQ(MvxGetAttributeValue(info_, values_, 1), c);
-  MvxDeleteAttributeValue(info_, values_, 2);  // out of range: nothing
-  MvxDeleteAttributeValue(info_, values_, -1);
-  EXPECT_EQ(MvxGetAttributeValuesCount(info_, values_), 2);
-  (void)a;
-
   HMVXPOS position = MvxGetHeadAttributeValue(info_, values_);
   EXPECT_EQ(MvxGetNextAttributeValue(info_, &position), b);
   EXPECT_EQ(MvxGetNextAttributeValue(info_, &position), c);
@@ -294,9 +218,15 @@ TEST_F(ItemValues, DeletingAValueMovesTheLaterOnesUp) {
   EXPECT_EQ(MvxGetCommitSpace(info_), space - 8 - 10 - 12);
 }
 
-TEST_F(ItemValues, IndexOutOfRangeThrowsTheStandardError) {
+// Out of range, replaces give null and deletes do nothing; the reader throws
+// the standard error (on i686, where it cannot unwind, gives null).
+TEST_F(ItemValues, IndexOutOfRange) {
   MvxAddInteger(info_, values_, 1);
+  const DWORD space = MvxGetCommitSpace(info_);
   for (int index : {1, -1, 1000}) {
+    EXPECT_EQ(MvxReplaceInteger(info_, values_, index, 2), nullptr);
+    EXPECT_EQ(MvxReplaceString(info_, values_, index, L"x"), nullptr);
+    MvxDeleteAttributeValue(info_, values_, index);
 #if defined(__i386__)
     EXPECT_EQ(MvxGetAttributeValue(info_, values_, index), nullptr);
 #else
@@ -308,30 +238,28 @@ TEST_F(ItemValues, IndexOutOfRangeThrowsTheStandardError) {
     }
 #endif
   }
-  EXPECT_NE(MvxGetAttributeValue(info_, values_, 0), nullptr);
+  EXPECT_EQ(MvxGetCommitSpace(info_), space);
+  EXPECT_EQ(Hex(ValueBytes(MvxGetAttributeValue(info_, values_, 0))), Hex(Bytes().u32(4).u32(1)));
 }
 
 // Values read from a committed item info are changed inside it at once.
 TEST(ItemValuesInPlace, ReplacingAValueChangesTheOpenedBlock) {
-  Committed source;
+  Committed source, committed;
   {
-    Committed created = Committed::create();
-    Opened building(created.get());
-    MvxAddString(building, MvxAddAttribute(building, AddProperty(building, 2), 16), L"Annual report");
+    Opened building(nullptr);
+    MvxAddString(building, MvxAddAttribute(building, MvxAddProperty(building, 2), 16), L"Annual report");
     CommitExactly(building, source);
   }
   const ByteVector before = source.bytes();
-  Committed committed;
   Opened info(source.get());
-  HMVXATTR title = MvxFindAttribute(info, FindProperty(info, 2), 16);
+  HMVXATTR title = MvxFindAttribute(info, MvxFindProperty(info, 2), 16);
   PMVXVALUE value = MvxGetAttributeValue(info, title, 0);
   EXPECT_EQ(MvxReplaceString(info, title, 0, L"Memo"), value);
   EXPECT_STREQ(MvxFindTitleValue(source.get()), L"Memo");
-  ByteVector after = source.bytes();
-  EXPECT_EQ(after.size(), before.size());
-  EXPECT_EQ(Hex(ByteVector(after.begin() + (value - source.get()) + 4 + 10, after.end())),
-            Hex(ByteVector(before.begin() + (value - source.get()) + 4 + 10, before.end())))
-      << "the old tail after the new terminator stays";
+  // The old tail after the new terminator stays.
+  const size_t tail = value - source.get() + 4 + 10;
+  EXPECT_EQ(Hex(ByteVector(source.get() + tail, source.get() + before.size())),
+            Hex(ByteVector(before.begin() + tail, before.end())));
   // The longer replacement leaves the block alone and is not freed with it.
   PMVXVALUE moved = MvxReplaceString(info, title, 0, L"A much longer title than before");
   EXPECT_TRUE(moved < source.get() || moved > source.get() + source.size());
@@ -344,22 +272,19 @@ TEST(TitleValue, FoundOnlyAsATerminatedFirstValue) {
   EXPECT_EQ(MvxFindTitleValue(nullptr), nullptr);
   Committed empty = Committed::create();
   EXPECT_EQ(MvxFindTitleValue(empty.get()), nullptr);
-
-  // 2 -> attribute 16 with no values; then the same with a value.
-  Committed no_value(Bytes().header(64).u16(254).u16(1).u32(2).u32(8).u16(1).u32(16).u32(8).u16(0));
-  EXPECT_EQ(MvxFindTitleValue(no_value.get()), nullptr);
-  Committed found(Bytes().header(72).u16(254).u16(1).u32(2).u32(8).u16(1).u32(16).u32(8).u16(1).u32(4).text(L"T"));
-  LPWSTR title = MvxFindTitleValue(found.get());
-  ASSERT_NE(title, nullptr);
-  EXPECT_EQ(reinterpret_cast<BYTE*>(title), found.get() + 68);
-  EXPECT_STREQ(title, L"T");
-  // The same bytes without a terminator inside the value.
-  Committed unterminated(Bytes().header(72).u16(254).u16(1).u32(2).u32(8).u16(1).u32(16).u32(8).u16(1).u32(4)
-                             .u16(L'T').u16(L'U'));
-  EXPECT_EQ(MvxFindTitleValue(unterminated.get()), nullptr);
-  // Attribute 16 of another property is not the title.
-  Committed other(Bytes().header(72).u16(254).u16(1).u32(3).u32(8).u16(1).u32(16).u32(8).u16(1).u32(4).text(L"T"));
-  EXPECT_EQ(MvxFindTitleValue(other.get()), nullptr);
+  // Property `id` whose attribute 16 has no value, or the value 'T' `second`.
+  const auto block = [](DWORD id, bool value, wchar_t second) {
+    Bytes bytes;
+    bytes.header(value ? 72 : 64).u16(254).u16(1).u32(id).u32(8).u16(1).u32(16).u32(8).u16(value);
+    if (value) bytes.u32(4).u16(L'T').u16(second);
+    return Committed(bytes);
+  };
+  const Committed found = block(2, true, 0);
+  EXPECT_EQ(reinterpret_cast<BYTE*>(MvxFindTitleValue(found.get())), found.get() + 68);
+  EXPECT_STREQ(MvxFindTitleValue(found.get()), L"T");
+  EXPECT_EQ(MvxFindTitleValue(block(2, false, 0).get()), nullptr);
+  EXPECT_EQ(MvxFindTitleValue(block(2, true, L'U').get()), nullptr) << "no terminator inside the value";
+  EXPECT_EQ(MvxFindTitleValue(block(3, true, 0).get()), nullptr) << "attribute 16 of another property";
 }
 
 }  // namespace

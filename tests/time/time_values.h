@@ -13,16 +13,8 @@ namespace mvsup::test {
 
 inline SYSTEMTIME make_time(int year, int month, int day, int hour = 0, int minute = 0, int second = 0,
                             int day_of_week = 0, int milliseconds = 0) {
-  SYSTEMTIME t{};
-  t.wYear = static_cast<WORD>(year);
-  t.wMonth = static_cast<WORD>(month);
-  t.wDay = static_cast<WORD>(day);
-  t.wHour = static_cast<WORD>(hour);
-  t.wMinute = static_cast<WORD>(minute);
-  t.wSecond = static_cast<WORD>(second);
-  t.wDayOfWeek = static_cast<WORD>(day_of_week);
-  t.wMilliseconds = static_cast<WORD>(milliseconds);
-  return t;
+  auto w = [](int v) { return static_cast<WORD>(v); };
+  return SYSTEMTIME{w(year), w(month), w(day_of_week), w(day), w(hour), w(minute), w(second), w(milliseconds)};
 }
 
 // "2006-08-14 09:05:00.000 dow 1"
@@ -40,7 +32,7 @@ inline std::string show(const std::tm& t) {
   return text;
 }
 
-// A SYSTEMTIME whose every byte is 0xCD: tells "not written" from "zeroed".
+// Every byte 0xCD: tells "not written" from "zeroed".
 inline SYSTEMTIME sentinel_time() {
   SYSTEMTIME t;
   std::memset(&t, 0xCD, sizeof(t));
@@ -48,5 +40,13 @@ inline SYSTEMTIME sentinel_time() {
 }
 
 inline const SYSTEMTIME kZeroTime{};
+
+// A refused conversion returns FALSE with ERROR_INVALID_PARAMETER.
+#define EXPECT_REFUSED(call)                                                \
+  do {                                                                      \
+    SetLastError(0xdeadbeef);                                               \
+    EXPECT_FALSE(call);                                                     \
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER)); \
+  } while (0)
 
 }  // namespace mvsup::test

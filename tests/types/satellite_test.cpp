@@ -5,6 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <process.h>
+#include <stdlib.h>
+
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "common/paths.h"
@@ -15,15 +20,6 @@ namespace {
 
 constexpr const wchar_t* kChildOutputVariable = L"MVSUP_TYPES_SATELLITE_OUTPUT";
 
-// String ids of the messages about invalid custom type assignments.
-constexpr UINT kAssignmentMessageIds[] = {5120, 5121, 5122};
-
-std::wstring load(HMODULE module, UINT id) {
-  wchar_t buffer[1024] = {};
-  LoadStringW(module, id, buffer, 1024);
-  return buffer;
-}
-
 // The child's whole work, done before any test runs: when the parent named
 // an output file, write the display names there and leave.
 const bool kRanAsChild = [] {
@@ -31,15 +27,12 @@ const bool kRanAsChild = [] {
   if (GetEnvironmentVariableW(kChildOutputVariable, output, MAX_PATH) == 0) return false;
   std::wstring names;
   wchar_t buffer[64];
-  for (MVXITEMTYPE type : {2, 3, 16, 22}) {
+  for (MVXITEMTYPE type : {2, 3, 16, 22})
     names += std::to_wstring(GetMvxItemTypeAsDisplayString(type, buffer, 64)) + L":" + buffer + L"\n";
-  }
-  HANDLE file = CreateFileW(output, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-  DWORD written = 0;
-  const BOOL ok = file != INVALID_HANDLE_VALUE &&
-                  WriteFile(file, names.data(), static_cast<DWORD>(names.size() * sizeof(wchar_t)), &written, nullptr);
-  if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
-  ExitProcess(ok ? 0 : 1);
+  std::ofstream file(output, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(names.data()), static_cast<std::streamsize>(names.size() * 2));
+  file.close();
+  ExitProcess(file.fail() ? 1 : 0);
 }();
 
 class Satellite : public RegistrySandbox {};
@@ -49,59 +42,37 @@ TEST_F(Satellite, DisplayNamesComeFromTheGermanSatellite) {
   set_dword(HKEY_CURRENT_USER, client_path(L"MvAxess\\Settings"), L"LangId", 0x0407);
   TempDirectory temp;
   const std::wstring output = temp.path() + L"\\names.txt";
-  ASSERT_TRUE(SetEnvironmentVariableW(kChildOutputVariable, output.c_str()));
-
   wchar_t program[MAX_PATH];
   GetModuleFileNameW(nullptr, program, MAX_PATH);
-  std::wstring command = L"\"" + std::wstring(program) + L"\"";
-  SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
-  HANDLE null_device = CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
-                                   OPEN_EXISTING, 0, nullptr);
-  STARTUPINFOW startup{};
-  startup.cb = sizeof(startup);
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdOutput = startup.hStdError = null_device;
-  PROCESS_INFORMATION process{};
-  const BOOL started =
-      CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
-  SetEnvironmentVariableW(kChildOutputVariable, nullptr);
-  CloseHandle(null_device);
-  ASSERT_TRUE(started) << GetLastError();
-  EXPECT_EQ(WaitForSingleObject(process.hProcess, 120000), WAIT_OBJECT_0);
-  DWORD exit_code = 1;
-  GetExitCodeProcess(process.hProcess, &exit_code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  EXPECT_EQ(exit_code, 0u);
+  _wputenv_s(kChildOutputVariable, output.c_str());
+  EXPECT_EQ(_wspawnl(_P_WAIT, program, program, nullptr), 0);
+  _wputenv_s(kChildOutputVariable, L"");
 
-  HANDLE file = CreateFileW(output.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE) << "the child wrote nothing";
-  wchar_t text[256] = {};
-  DWORD read = 0;
-  ReadFile(file, text, sizeof(text) - sizeof(wchar_t), &read, nullptr);
-  CloseHandle(file);
-  EXPECT_STREQ(text, L"1:Sammlung\n1:Dokument\n0:Unbekannter Objekttyp\n1:Weblog\n");
+  std::ifstream file(output.c_str(), std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  EXPECT_EQ(std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / 2),
+            L"1:Sammlung\n1:Dokument\n0:Unbekannter Objekttyp\n1:Weblog\n");
 }
 
+// The messages about invalid custom type assignments, in both string tables.
 TEST(SatelliteResources, AssignmentMessagesExistInBothLanguages) {
   const HMODULE library = GetModuleHandleW(L"MvSup2u.dll");
   ASSERT_NE(library, nullptr);
-  const std::wstring satellite_path = exe_directory() + L"\\0407\\SDKSatellite.dll";
-  const HMODULE satellite = LoadLibraryExW(satellite_path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  const HMODULE satellite =
+      LoadLibraryExW((exe_directory() + L"\\0407\\SDKSatellite.dll").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
   ASSERT_NE(satellite, nullptr);
-  EXPECT_EQ(load(library, kAssignmentMessageIds[0]).substr(0, 67),
-            L"The program encountered an error while initializing Mervane Client.");
-  EXPECT_NE(load(library, kAssignmentMessageIds[0]).find(L"\r\n\r\nError: Invalid MVXITEMTYPE Assignment\r\n"),
-            std::wstring::npos);
-  EXPECT_EQ(load(library, kAssignmentMessageIds[1]),
-            L"The type assignment problem could not be corrected. Re-install Mervane Client.");
-  EXPECT_EQ(load(library, kAssignmentMessageIds[2]).substr(0, 44), L"The type assignment problem was corrected. H");
-  for (UINT id : kAssignmentMessageIds) {
-    const std::wstring german = load(satellite, id);
-    EXPECT_FALSE(german.empty()) << id;
-    EXPECT_NE(german, load(library, id)) << id;
+  auto load = [](HMODULE module, UINT id) {
+    wchar_t buffer[1024] = {};
+    LoadStringW(module, id, buffer, 1024);
+    return std::wstring(buffer);
+  };
+  EXPECT_NE(load(library, 5120).find(L"\r\n\r\nError: Invalid MVXITEMTYPE Assignment\r\n"), std::wstring::npos);
+  EXPECT_EQ(load(library, 5121), L"The type assignment problem could not be corrected. Re-install Mervane Client.");
+  EXPECT_EQ(load(library, 5122).substr(0, 44), L"The type assignment problem was corrected. H");
+  for (UINT id : {5120, 5121, 5122}) {
+    EXPECT_FALSE(load(satellite, id).empty()) << id;
+    EXPECT_NE(load(satellite, id), load(library, id)) << id;
   }
-  EXPECT_NE(load(satellite, kAssignmentMessageIds[0]).find(L"Ung\u00fcltige"), std::wstring::npos);
   FreeLibrary(satellite);
 }
 

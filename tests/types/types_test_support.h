@@ -21,10 +21,6 @@ inline std::wstring word_of(MVXITEMTYPE type) {
   wchar_t buffer[400];
   return GetMvxItemTypeAsStringTS(type, buffer, 400);
 }
-inline std::wstring http_word_of(MVXITEMTYPE type) {
-  wchar_t buffer[400];
-  return GetMvxItemTypeAsHttpStringTS(type, buffer, 400);
-}
 inline std::wstring handle_of(MVXITEMTYPE type, DWORD number) {
   wchar_t buffer[400];
   GetMvxItemHandleAsString(type, number, buffer, 400);
@@ -37,16 +33,46 @@ inline MVXITEMTYPE create_type(const wchar_t* word) {
   return type;
 }
 
-// A copy of text whose terminator is the last readable character.
-class GuardedText {
+// An in-process object implementing the client's item interface, counting
+// the calls the library makes on it. with_interface false: QueryInterface
+// offers IUnknown only.
+class FakeClientItem : public IMvxClientItem {
  public:
-  explicit GuardedText(const std::wstring& text) : buffer_((text.size() + 1) * sizeof(wchar_t)) {
-    std::memcpy(buffer_.data(), text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+  FakeClientItem(std::wstring class_string, std::wstring server_key, bool with_interface = true)
+      : class_string_(std::move(class_string)), server_key_(std::move(server_key)), with_interface_(with_interface) {}
+  virtual ~FakeClientItem() = default;
+
+  STDMETHODIMP QueryInterface(REFIID riid, void** object) override {
+    *object = nullptr;
+    if (!IsEqualIID(riid, IID_IUnknown) && !(with_interface_ && IsEqualIID(riid, IID_IMvxClientItem)))
+      return E_NOINTERFACE;
+    *object = static_cast<IMvxClientItem*>(this);
+    AddRef();
+    return S_OK;
   }
-  const wchar_t* get() { return buffer_.as<wchar_t>(); }
+  STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
+  STDMETHODIMP_(ULONG) Release() override { return static_cast<ULONG>(InterlockedDecrement(&references_)); }
+  STDMETHODIMP GetClassString(BSTR* text) override {
+    ++class_calls_;
+    *text = SysAllocString(class_string_.c_str());
+    return S_OK;
+  }
+  STDMETHODIMP GetServerKeyString(BSTR* text) override {
+    ++server_calls_;
+    *text = SysAllocString(server_key_.c_str());
+    return S_OK;
+  }
+
+  IUnknown* unknown() { return static_cast<IUnknown*>(this); }
+  LONG extra_references() const { return references_ - 1; }  // beyond the test's own
+  int class_calls() const { return class_calls_; }
+  int server_calls() const { return server_calls_; }
 
  private:
-  GuardedBuffer buffer_;
+  std::wstring class_string_, server_key_;
+  bool with_interface_;
+  LONG references_ = 1;
+  int class_calls_ = 0, server_calls_ = 0;
 };
 
 }  // namespace mvsup::test
