@@ -326,8 +326,8 @@ class Printer {
 int run_dump(Args& args) {
   const bool with_offsets = args.take_flag(L"--hex");
   if (std::wstring error = args.unknown_option(); !error.empty()) return fail(error);
-  if (args.rest().size() != 2) return fail(L"item dump takes one file (see mvsup item --help)");
-  const std::wstring& path = args.rest()[1];
+  if (args.rest().size() != 1) return fail(L"item dump takes one file (see mvsup item --help)");
+  const std::wstring& path = args.rest()[0];
   std::wstring error;
   const std::optional<std::vector<BYTE>> bytes = read_file(path, &error);
   if (!bytes) return fail(error);
@@ -348,8 +348,8 @@ int run_dump(Args& args) {
 
 int run_new(Args& args) {
   if (std::wstring error = args.unknown_option(); !error.empty()) return fail(error);
-  if (args.rest().size() != 2) return fail(L"item new takes one file (see mvsup item --help)");
-  const std::wstring& path = args.rest()[1];
+  if (args.rest().size() != 1) return fail(L"item new takes one file (see mvsup item --help)");
+  const std::wstring& path = args.rest()[0];
   BYTE* created = nullptr;
   if (const HRESULT hr = MvxCreateItemInfo(&created); FAILED(hr))
     return fail(text::format(L"MvxCreateItemInfo failed (0x%08lx)", static_cast<unsigned long>(hr)));
@@ -368,13 +368,8 @@ int run_new(Args& args) {
 }
 
 int run_item(Args& args) {
-  if (args.rest().empty()) return fail(L"item needs a subcommand: dump, new, make or get (see mvsup item --help)");
-  const std::wstring subcommand = args.rest()[0];
-  if (subcommand == L"dump") return run_dump(args);
-  if (subcommand == L"new") return run_new(args);
-  if (subcommand == L"make") return run_item_make(args);
-  if (subcommand == L"get") return run_item_get(args);
-  return fail(L"unknown item subcommand \"" + subcommand + L"\" (dump, new, make or get)");
+  return run_subcommand(args, L"item",
+                        {{L"dump", run_dump}, {L"new", run_new}, {L"make", run_item_make}, {L"get", run_item_get}});
 }
 
 const CommandRegistration kItem{{

@@ -136,9 +136,9 @@ int run_item_get(Args& args) {
   const bool local = args.take_flag(L"--local");
   const bool as_json = args.take_flag(L"--json");
   if (std::wstring error = args.unknown_option(); !error.empty()) return fail(error);
-  if (args.rest().size() != 3) return fail(L"item get takes a file and a property name (see mvsup item --help)");
-  const std::wstring& path = args.rest()[1];
-  const PropertyName property = resolve_property(args.rest()[2], true);
+  if (args.rest().size() != 2) return fail(L"item get takes a file and a property name (see mvsup item --help)");
+  const std::wstring& path = args.rest()[0];
+  const PropertyName property = resolve_property(args.rest()[1], true);
 
   std::wstring error;
   const std::optional<std::string> bytes = read_input(path, &error);

@@ -115,14 +115,14 @@ int run_item_make(Args& args) {
   const std::optional<std::wstring> from = args.take_option(L"--from");
   const bool overwrite = args.take_flag(L"--force");
   if (std::wstring error = args.unknown_option(); !error.empty()) return fail(error);
-  if (args.rest().size() < 2) return fail(L"item make needs an output file (see mvsup item --help)");
-  const std::wstring& path = args.rest()[1];
+  if (args.rest().empty()) return fail(L"item make needs an output file (see mvsup item --help)");
+  const std::wstring& path = args.rest()[0];
 
   std::vector<Group> groups;
   if (from) {
     if (std::wstring error = read_assignments(*from, groups); !error.empty()) return fail(error);
   }
-  for (size_t i = 2; i < args.rest().size(); ++i) {
+  for (size_t i = 1; i < args.rest().size(); ++i) {
     if (std::wstring error = add_assignment(groups, args.rest()[i]); !error.empty())
       return fail(L"\"" + args.rest()[i] + L"\": " + error);
   }

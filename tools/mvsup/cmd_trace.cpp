@@ -235,15 +235,7 @@ int run_show(Args& args) {
 }
 
 int run_trace(Args& args) {
-  if (args.rest().empty()) return fail(L"trace needs on, off, status or show (see mvsup trace --help)");
-  const std::wstring verb = args.rest().front();
-  std::vector<std::wstring> rest(args.rest().begin() + 1, args.rest().end());
-  Args sub(std::move(rest));
-  if (verb == L"on") return run_on(sub);
-  if (verb == L"off") return run_off(sub);
-  if (verb == L"status") return run_status(sub);
-  if (verb == L"show") return run_show(sub);
-  return fail(L"unknown trace command \"" + verb + L"\"");
+  return run_subcommand(args, L"trace", {{L"on", run_on}, {L"off", run_off}, {L"status", run_status}, {L"show", run_show}});
 }
 
 const CommandRegistration kTrace{{

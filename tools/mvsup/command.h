@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,5 +44,12 @@ struct CommandRegistration {
 
 // A failure of a command: printed as one line on stderr, exit code 1.
 int fail(const std::wstring& message);
+
+// Runs the subcommand named by the first argument, with the arguments after it.
+struct Subcommand {
+  const wchar_t* name;
+  int (*run)(Args&);
+};
+int run_subcommand(Args& args, const wchar_t* command, std::initializer_list<Subcommand> subcommands);
 
 }  // namespace mvsup::tool

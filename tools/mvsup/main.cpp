@@ -50,6 +50,20 @@ std::wstring Args::unknown_option() const {
   return {};
 }
 
+int run_subcommand(Args& args, const wchar_t* command, std::initializer_list<Subcommand> subcommands) {
+  std::wstring names;
+  for (const Subcommand& subcommand : subcommands) names += (names.empty() ? L"" : L", ") + std::wstring(subcommand.name);
+  const std::wstring help = L" (see mvsup " + std::wstring(command) + L" --help)";
+  if (args.rest().empty()) return fail(std::wstring(command) + L" needs one of: " + names + help);
+  const std::wstring verb = args.rest().front();
+  for (const Subcommand& subcommand : subcommands) {
+    if (verb != subcommand.name) continue;
+    Args rest(std::vector<std::wstring>(args.rest().begin() + 1, args.rest().end()));
+    return subcommand.run(rest);
+  }
+  return fail(L"unknown " + std::wstring(command) + L" subcommand \"" + verb + L"\"" + help);
+}
+
 namespace {
 
 void print_overview() {
