@@ -30,6 +30,8 @@ if ! server_running; then
     if ! server_running; then
       wineserver -p </dev/null >/dev/null 2>&1
       wineboot </dev/null >/dev/null 2>&1
+      # A program that crashes must fail at once, not wait at a dialog.
+      wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f </dev/null >/dev/null 2>&1
     fi
   ) 9>"$prefix.lock"
 fi

@@ -20,6 +20,8 @@ wine_session_start() {
   # that Wine's background services never hold a caller's pipe open.
   wineserver -p </dev/null >/dev/null 2>&1 || true
   wineboot </dev/null >/dev/null 2>&1 || true
+  # A program that crashes must fail its test at once, not wait at a dialog.
+  wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f </dev/null >/dev/null 2>&1 || true
 }
 
 wine_session_stop() {

@@ -41,12 +41,12 @@ void WINAPI MvxDeleteAllAttributes(HMVXINFO info, HMVXPROP property) {
 
 int WINAPI MvxGetAttributeValuesCount(HMVXINFO info, HMVXATTR attribute) {
   if (info == nullptr || attribute == nullptr) return 0;
-  return static_cast<int>(from_handle(attribute)->values.size());
+  return static_cast<int>(from_handle(attribute)->value_count());
 }
 
 PMVXVALUE WINAPI MvxGetAttributeValue(HMVXINFO info, HMVXATTR attribute, int index) {
   if (info == nullptr || attribute == nullptr) return nullptr;
-  const ValueList& values = from_handle(attribute)->values;
+  const ValueList& values = from_handle(attribute)->values();
   if (index < 0 || static_cast<size_t>(index) >= values.size()) {
 #if defined(__i386__)
     // On 32-bit builds an exception cannot unwind out of this module (each

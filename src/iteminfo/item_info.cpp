@@ -52,15 +52,15 @@ class Loader {
     next_attribute_ = view.body_offset + kCountSize;
     AttributeMap& attributes = property_->attributes;
     const size_t before = attributes.size();
-    const auto it = attributes.try_emplace(attributes.end(), id, Attribute{{}, property_});
+    const auto it = attributes.try_emplace(attributes.end(), id, property_);
     if (attributes.size() == before) return false;
     attribute_ = &it->second;
-    attribute_->values.reserve(view.value_count);
+    attribute_->values().reserve(view.value_count);
     return true;
   }
 
   void on_value(const AttributeView&, const ValueView& view) {
-    attribute_->values.push_back(const_cast<BYTE*>(view.block));
+    attribute_->values().push_back(const_cast<BYTE*>(view.block));
     next_attribute_ = view.offset + kLengthSize + view.length;
   }
 
@@ -112,8 +112,8 @@ void summarise(BYTE* header, uint32_t id, const Property& property) noexcept {
                       id == summary::kLastModified || id == summary::kParents || is_content_length_id(id);
   if (!listed) return;
   const auto it = property.attributes.find(static_cast<int32_t>(kValuesAttribute));
-  if (it == property.attributes.end() || it->second.values.empty()) return;
-  const BYTE* first = it->second.values.front();
+  if (it == property.attributes.end() || it->second.value_count() == 0) return;
+  const BYTE* first = it->second.values().front();
   const uint32_t length = value_length(first);
   const BYTE* data = first + kLengthSize;
   const bool holds_handle = length >= kHandleTitleOffset;
@@ -137,7 +137,7 @@ void summarise(BYTE* header, uint32_t id, const Property& property) noexcept {
       // The first parent recorded survives later changes of the parents.
       if (holds_handle && load_u32(header + header::kFirstParent) == 0)
         store_u32(header + header::kFirstParent, load_u32(data + kHandleNumberOffset));
-      store_u32(header + header::kParentCount, static_cast<uint16_t>(it->second.values.size()));
+      store_u32(header + header::kParentCount, static_cast<uint16_t>(it->second.value_count()));
       break;
     default:  // the content-length ids: the last one committed wins
       if (length >= 4) store_u32(header + header::kContentSize, load_u32(data));
@@ -158,12 +158,13 @@ BYTE* write_body(Property& property, BYTE* out, const BYTE* old_buffer, uint32_t
     store_u32(slot, static_cast<uint32_t>(id));
     store_u32(slot + 4, static_cast<uint32_t>(body - table));
     slot += kTableEntrySize;
-    store_u16(body, static_cast<uint16_t>(attribute.values.size()));
+    ValueList& values = attribute.values();
+    store_u16(body, static_cast<uint16_t>(values.size()));
     body += kCountSize;
     const BYTE* run = nullptr;
     size_t run_bytes = 0;
     BYTE* run_target = body;
-    for (BYTE*& value : attribute.values) {
+    for (BYTE*& value : values) {
       const uint32_t bytes = value_cost(value);
       if (lies_inside(old_buffer, old_size, value)) {
         if (value != run + run_bytes || body != run_target + run_bytes) {
@@ -186,8 +187,8 @@ BYTE* write_body(Property& property, BYTE* out, const BYTE* old_buffer, uint32_t
 }
 
 // Writes one property's body at out and returns its end. A body that is
-// still unchanged in the old buffer is copied whole, its values' references
-// moved along with it.
+// still unchanged in the old buffer is copied whole; its values' references
+// follow it by the property's shift, applied when they are next looked at.
 BYTE* commit_property(Property& property, BYTE* destination, BYTE* out, const BYTE* old_buffer,
                       uint32_t old_size) noexcept {
   BYTE* end;
@@ -195,8 +196,7 @@ BYTE* commit_property(Property& property, BYTE* destination, BYTE* out, const BY
   if (property.unchanged_body != 0 && old_buffer != nullptr && kept_end <= old_size) {
     const BYTE* source = old_buffer + property.unchanged_body;
     std::memcpy(out, source, property.unchanged_length);
-    for (auto& [id, attribute] : property.attributes)
-      for (BYTE*& value : attribute.values) value = out + (value - source);
+    property.shift += reinterpret_cast<uintptr_t>(out) - reinterpret_cast<uintptr_t>(source);
     end = out + property.unchanged_length;
   } else {
     end = write_body(property, out, old_buffer, old_size);
@@ -302,7 +302,7 @@ void close_item_info(ItemInfo* info) noexcept {
   const uint32_t size = buffer_size(*info);
   const auto release = [&](Property& property) {
     for (auto& [id, attribute] : property.attributes)
-      for (BYTE* block : attribute.values)
+      for (BYTE* block : attribute.values())
         if (!lies_inside(info->buffer, size, block)) free_value_block(block);
   };
   if (info->properties)

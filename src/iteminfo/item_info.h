@@ -32,9 +32,20 @@ using ValueList = std::vector<BYTE*>;
 
 struct Property;
 
-struct Attribute {
-  ValueList values;
-  Property* owner = nullptr;  // told of every change to the values
+class Attribute {
+ public:
+  explicit Attribute(Property* owner) noexcept : owner(owner) {}
+
+  // The value references, brought up to date first (see Property::shift).
+  ValueList& values() noexcept;
+  const ValueList& values() const noexcept;
+  size_t value_count() const noexcept { return values_.size(); }
+
+  Property* owner;  // told of every change to the values
+
+ private:
+  friend struct Property;
+  ValueList values_;
 };
 // Keys are ids compared as signed 32-bit.
 using AttributeMap = std::map<int32_t, Attribute>;
@@ -46,7 +57,27 @@ struct Property {
   // since, or never there). A commit then copies the body whole.
   uint32_t unchanged_body = 0;
   uint32_t unchanged_length = 0;
+  // A commit that copies the body whole moves the body's values by this many
+  // bytes; the references are moved the next time they are looked at rather
+  // than one by one in every commit. All of them lie inside the body then.
+  uintptr_t shift = 0;
+
+  void settle() noexcept {
+    if (shift == 0) return;
+    for (auto& [id, attribute] : attributes)
+      for (BYTE*& value : attribute.values_) value = reinterpret_cast<BYTE*>(reinterpret_cast<uintptr_t>(value) + shift);
+    shift = 0;
+  }
 };
+
+inline ValueList& Attribute::values() noexcept {
+  if (owner != nullptr) owner->settle();
+  return values_;
+}
+inline const ValueList& Attribute::values() const noexcept {
+  if (owner != nullptr) owner->settle();
+  return values_;
+}
 
 inline void mark_changed(Property& property) noexcept { property.unchanged_body = 0; }
 inline void mark_changed(Attribute& attribute) noexcept {
@@ -65,7 +96,7 @@ struct MapCursor {
 // Index-based, so that values deleted during an iteration end it instead of
 // reading freed storage.
 struct ValueCursor {
-  const ValueList* list = nullptr;
+  Attribute* attribute = nullptr;
   size_t current = 0;
 };
 
@@ -131,7 +162,7 @@ inline BYTE* append_value(ItemInfo& info, Attribute& attribute, BYTE* block) noe
     return nullptr;
   }
   try {
-    attribute.values.push_back(block);
+    attribute.values().push_back(block);
   } catch (...) {
     free_value_block(block);
     return nullptr;
@@ -153,8 +184,9 @@ BYTE* add_value(ItemInfo& info, Attribute& attribute, const Encoding& value) noe
 // value then stays).
 template <typename Encoding>
 BYTE* replace_value(ItemInfo& info, Attribute& attribute, size_t index, const Encoding& value) noexcept {
-  if (index >= attribute.values.size()) return nullptr;
-  BYTE*& slot = attribute.values[index];
+  ValueList& values = attribute.values();
+  if (index >= values.size()) return nullptr;
+  BYTE*& slot = values[index];
   const uint32_t old_length = value_length(slot);
   const uint64_t length = value.length();
   if (length <= old_length) {
@@ -172,21 +204,23 @@ BYTE* replace_value(ItemInfo& info, Attribute& attribute, size_t index, const En
 }
 
 inline void delete_value(ItemInfo& info, Attribute& attribute, size_t index) noexcept {
-  if (index >= attribute.values.size()) return;
-  BYTE* block = attribute.values[index];
+  ValueList& values = attribute.values();
+  if (index >= values.size()) return;
+  BYTE* block = values[index];
   info.commit_size -= value_cost(block);
   release_value_block(info, block);
-  attribute.values.erase(attribute.values.begin() + static_cast<std::ptrdiff_t>(index));
+  values.erase(values.begin() + static_cast<std::ptrdiff_t>(index));
   mark_changed(attribute);
 }
 
 inline void delete_all_values(ItemInfo& info, Attribute& attribute) noexcept {
   const uint32_t size = buffer_size(info);
-  for (BYTE* block : attribute.values) {
+  ValueList& values = attribute.values();
+  for (BYTE* block : values) {
     info.commit_size -= value_cost(block);
     if (!lies_inside(info.buffer, size, block)) free_value_block(block);
   }
-  attribute.values.clear();
+  values.clear();
   mark_changed(attribute);
 }
 
@@ -204,7 +238,7 @@ inline Attribute* add_attribute(ItemInfo& info, Property& property, uint32_t id)
   if (it != property.attributes.end() && it->first == key) return &it->second;
   if (!can_grow(info, kEntryCost)) return nullptr;
   try {
-    it = property.attributes.emplace_hint(it, key, Attribute{{}, &property});
+    it = property.attributes.emplace_hint(it, key, Attribute(&property));
   } catch (...) {
     return nullptr;
   }
@@ -219,7 +253,7 @@ inline Attribute* add_attribute(ItemInfo& info, Property& property, uint32_t id)
 // that a later next-function answers null or moves on instead of reading
 // freed storage.
 inline void forget_value_position(ItemInfo& info, const Attribute& attribute) noexcept {
-  if (info.value_cursor.list == &attribute.values) info.value_cursor = {};
+  if (info.value_cursor.attribute == &attribute) info.value_cursor = {};
 }
 
 inline void delete_attribute(ItemInfo& info, Property& property, uint32_t id) noexcept {
@@ -405,17 +439,17 @@ inline Attribute* next_attribute(ItemInfo& info, DWORD* id, HMVXPOS* position) n
 }
 
 inline HMVXPOS head_value(ItemInfo& info, Attribute& attribute) noexcept {
-  if (attribute.values.empty()) return nullptr;
-  info.value_cursor = {&attribute.values, 0};
+  if (attribute.value_count() == 0) return nullptr;
+  info.value_cursor = {&attribute, 0};
   return to_position(info.value_cursor);
 }
 inline BYTE* next_value(ItemInfo& info, HMVXPOS* position) noexcept {
   ValueCursor& cursor = info.value_cursor;
-  if (position == nullptr || *position != to_position(cursor) || cursor.list == nullptr ||
-      cursor.current >= cursor.list->size())
-    return nullptr;
-  BYTE* block = (*cursor.list)[cursor.current++];
-  if (cursor.current >= cursor.list->size()) *position = nullptr;
+  if (position == nullptr || *position != to_position(cursor) || cursor.attribute == nullptr) return nullptr;
+  const ValueList& values = cursor.attribute->values();
+  if (cursor.current >= values.size()) return nullptr;
+  BYTE* block = values[cursor.current++];
+  if (cursor.current >= values.size()) *position = nullptr;
   return block;
 }
 

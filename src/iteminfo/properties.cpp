@@ -212,8 +212,8 @@ HMVXPROP WINAPI MvxGetNextCustomProperty(HMVXINFO info, LPWSTR* name, HMVXPOS* p
   if (name != nullptr) {
     // The name as stored in attribute 2, which the caller may have changed.
     const Attribute* attribute = find_attribute(property, kNameAttribute);
-    if (attribute != nullptr && !attribute->values.empty()) {
-      BYTE* value = attribute->values.front();
+    if (attribute != nullptr && attribute->value_count() != 0) {
+      BYTE* value = attribute->values().front();
       if (terminated_units(value_data(value), value_length(value)))
         *name = reinterpret_cast<LPWSTR>(value_data(value));
     }

@@ -427,8 +427,9 @@ int get_handle(const BYTE* block, DWORD mask, DWORD* id, MVXITEMTYPE* type, DWOR
 HRESULT modify_handle(ItemInfo& info, uint32_t id, DWORD flags, const encoding::Handle& wanted) noexcept {
   Property* property = find_property(info, id);
   Attribute* values = property ? find_attribute(*property, kValuesAttribute) : nullptr;
-  if (values == nullptr || values->values.empty()) return E_FAIL;  // cannot happen: the walk found it
-  const std::optional<HandleValue> old = handle_of(values->values.front());
+  if (values == nullptr || values->value_count() == 0) return E_FAIL;  // cannot happen: the walk found it
+  const ValueList& list = values->values();
+  const std::optional<HandleValue> old = handle_of(list.front());
   if (!old) return E_FAIL;
   const bool same_type = !(flags & MVX_HANDLE_TYPE) || wanted.type == old->type;
   const bool same_number = !(flags & MVX_HANDLE_NUMBER) || wanted.number == old->number;
@@ -446,10 +447,10 @@ HRESULT modify_handle(ItemInfo& info, uint32_t id, DWORD flags, const encoding::
     copies.clear();
   };
   try {
-    copies.reserve(values->values.size());
+    copies.reserve(list.size());
     copies.push_back(make_value_block(changed));
-    for (size_t i = 1; i < values->values.size(); ++i) {
-      const BYTE* value = values->values[i];
+    for (size_t i = 1; i < list.size(); ++i) {
+      const BYTE* value = list[i];
       copies.push_back(make_value_block(encoding::Binary{data_of(value), length_of(value)}));
     }
   } catch (...) {

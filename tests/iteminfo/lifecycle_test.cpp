@@ -59,6 +59,43 @@ TEST(ItemInfoLifecycle, UpdateMovesTheItemInfoOntoANewBlock) {
   EXPECT_EQ(unchanged, fresh);
 }
 
+// Unchanged properties are copied whole by a commit; their value references
+// must follow them into each new block, also for an iteration begun before
+// the commit, with every older block already freed.
+TEST(ItemInfoLifecycle, ValueReferencesFollowEveryCommit) {
+  BYTE* block = Committed::create().release();
+  {
+    Opened building(block);
+    HMVXATTR values = MvxAddAttribute(building, MvxAddProperty(building, 0x2), 16);
+    MvxAddString(building, values, L"first");
+    MvxAddString(building, values, L"second");
+    ASSERT_EQ(MvxUpdateItemInfo(building, &block), S_OK);
+  }
+  {
+    Opened info(block);
+    HMVXATTR values = MvxFindAttribute(info, MvxFindProperty(info, 0x2), 16);
+    HMVXPOS position = MvxGetHeadAttributeValue(info, values);
+    EXPECT_EQ(MvxGetNextAttributeValue(info, &position), MvxGetAttributeValue(info, values, 0));
+    for (int commit = 0; commit < 3; ++commit)
+      ASSERT_EQ(MvxUpdateItemInfo(info, &block), S_OK);  // frees the previous block
+    const auto inside = [&](PMVXVALUE value) { return value >= block + 40 && value < block + LoadU32(block); };
+    PMVXVALUE next = MvxGetNextAttributeValue(info, &position);
+    EXPECT_TRUE(inside(next));
+    EXPECT_EQ(next, MvxGetAttributeValue(info, values, 1));
+    EXPECT_TRUE(inside(MvxGetAttributeValue(info, values, 0)));
+    LPWSTR text = nullptr;
+    MvxGetString(info, next, &text);
+    EXPECT_STREQ(text, L"second");
+    EXPECT_EQ(position, nullptr);
+    // Replacing after the commits writes into the current block.
+    MvxReplaceString(info, values, 0, L"1st");
+    MvxGetString(info, MvxGetAttributeValue(info, values, 0), &text);
+    EXPECT_STREQ(text, L"1st");
+    EXPECT_EQ(std::wstring(reinterpret_cast<wchar_t*>(MvxGetAttributeValue(info, values, 0) + 4)), L"1st");
+  }
+  FreeMvxInfo(block);
+}
+
 TEST(ItemInfoLifecycle, CommitRefusesTheBlockItWasOpenedOver) {
   Committed source(Bytes().header(54).u16(254).u16(1).u32(4).u32(8).u16(0));
   const ByteVector before = source.bytes();
