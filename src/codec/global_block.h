@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/global_memory.h"
 #include "frame/win32_handles.h"
 
 namespace mvsup::codec {
@@ -23,7 +24,7 @@ class GlobalBlock {
   bool allocate(uint64_t units, Fill fill = Fill::Zero) noexcept {
     if (units > SIZE_MAX / sizeof(T)) return false;
     const UINT flags = fill == Fill::Zero ? GPTR : GMEM_FIXED;
-    memory_.reset(::GlobalAlloc(flags, static_cast<SIZE_T>(units * sizeof(T))));
+    memory_.reset(global_alloc_output(flags, static_cast<SIZE_T>(units * sizeof(T))));
     return static_cast<bool>(memory_);
   }
   T* get() const noexcept { return static_cast<T*>(memory_.get()); }

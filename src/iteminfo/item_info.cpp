@@ -1,9 +1,13 @@
 #include "iteminfo/item_info.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
+#include <iterator>
 #include <new>
 
 #include "MvSupItemInfo.h"
+#include "frame/global_memory.h"
 #include "frame/trace.h"
 #include "frame/win32_handles.h"
 
@@ -19,10 +23,17 @@ class Loader {
 
   void on_header(uint32_t) noexcept {}
 
-  void on_section(uint16_t, uint16_t) {
+  void on_section(uint16_t marker, uint16_t entry_count) {
     info_.properties = std::make_unique<PropertyMap>();
     info_.custom_properties = std::make_unique<CustomPropertyMap>();
+    if (marker != kEntryTableMarker) as_committed_ = false;
+    expected_body_ = kEntryTableStart + kTableEntrySize * entry_count;
   }
+
+  // Whether the block of size_field bytes is laid out exactly as a commit of
+  // what was loaded would lay it out: every entry kept, in map order, every
+  // body unchanged and right after the one before, nothing after the last.
+  bool as_committed(uint32_t size_field) const noexcept { return as_committed_ && expected_body_ == size_field; }
 
   // A key or name that is already present keeps the first entry; the later
   // one is dropped whole, and so is a custom entry without a name.
@@ -35,7 +46,13 @@ class Loader {
       if (entry.name_units != 0) std::memcpy(name.data(), entry.name, entry.name_units * sizeof(wchar_t));
       inserted = insert(*info_.custom_properties, std::move(name));
     }
+    if (!inserted || entry.body_offset != expected_body_ || (entry.custom && entry.key != kCustomPropertyKey) ||
+        (!entry.custom && custom_seen_))
+      as_committed_ = false;
+    custom_seen_ = custom_seen_ || entry.custom;
+    expected_body_ = entry.end_offset;
     if (inserted) {
+      property_->item_moved = &info_.moved;
       property_->unchanged_body = entry.body_offset;
       property_->unchanged_length = entry.end_offset - entry.body_offset;
       next_attribute_ = entry.body_offset + kCountSize + kTableEntrySize * entry.attribute_count;
@@ -47,7 +64,10 @@ class Loader {
     // A body stays as it is only while its attributes ascend and follow
     // their table and each other without a gap.
     const int32_t id = static_cast<int32_t>(view.id);
-    if (view.body_offset != next_attribute_ || (view.index != 0 && id <= previous_id_)) mark_changed(*property_);
+    if (view.body_offset != next_attribute_ || (view.index != 0 && id <= previous_id_)) {
+      mark_changed(info_, *property_);
+      as_committed_ = false;
+    }
     previous_id_ = id;
     next_attribute_ = view.body_offset + kCountSize;
     AttributeMap& attributes = property_->attributes;
@@ -71,6 +91,7 @@ class Loader {
     // Keys come in ascending order in any block we wrote: the end is the hint.
     const auto it = map.try_emplace(map.end(), std::forward<Key>(key));
     if (map.size() == before) return false;
+    if (std::next(it) != map.end()) as_committed_ = false;
     property_ = &it->second;
     return true;
   }
@@ -80,6 +101,9 @@ class Loader {
   Attribute* attribute_ = nullptr;
   uint32_t next_attribute_ = 0;  // where an unchanged body has its next attribute
   int32_t previous_id_ = 0;
+  uint32_t expected_body_ = kHeaderSize;  // where a committed block has its next body
+  bool custom_seen_ = false;
+  bool as_committed_ = true;
 };
 
 bool ranges_overlap(const BYTE* a, size_t a_size, const BYTE* b, size_t b_size) noexcept {
@@ -104,6 +128,19 @@ bool is_content_length_id(uint32_t id) noexcept {
     if (candidate == id) return true;
   return false;
 }
+
+// The ids that summarise reads, in the order a commit meets them (ascending
+// as signed 32-bit: the last size id met wins).
+constexpr auto kSummarisedIds = [] {
+  std::array<int32_t, 5 + std::size(summary::kContentLengthIds)> ids{
+      static_cast<int32_t>(summary::kHandle), static_cast<int32_t>(summary::kOwner),
+      static_cast<int32_t>(summary::kCreationDate), static_cast<int32_t>(summary::kLastModified),
+      static_cast<int32_t>(summary::kParents)};
+  size_t next = 5;
+  for (const uint32_t id : summary::kContentLengthIds) ids[next++] = static_cast<int32_t>(id);
+  std::sort(ids.begin(), ids.end());
+  return ids;
+}();
 
 // The header fields that one property's first value gives. A value too
 // short for its field leaves the field as carried over.
@@ -222,6 +259,7 @@ ItemInfo* open_item_info(BYTE* block, Fault* fault) noexcept {
       return nullptr;
     }
     info->commit_size = size_field;
+    info->buffer_current = loader.as_committed(size_field);
     return info.release();
   } catch (...) {
     return nullptr;
@@ -233,6 +271,17 @@ uint32_t commit_item_info(ItemInfo& info, BYTE* destination) noexcept {
   const uint32_t old_size = buffer_size(info);
   if (old_buffer != nullptr && ranges_overlap(destination, info.commit_size, old_buffer, old_size)) return 0;
 
+  if (old_buffer != nullptr && info.buffer_current && old_size <= info.commit_size) {
+    std::memcpy(destination, old_buffer, old_size);
+    info.moved += reinterpret_cast<uintptr_t>(destination) - reinterpret_cast<uintptr_t>(old_buffer);
+    info.buffer = destination;
+    if (info.properties)
+      for (const int32_t id : kSummarisedIds)
+        if (const auto it = info.properties->find(id); it != info.properties->end())
+          summarise(destination, static_cast<uint32_t>(id), it->second);
+    return old_size;
+  }
+
   if (old_buffer != nullptr)
     std::memcpy(destination, old_buffer, kHeaderSize);
   else
@@ -240,6 +289,7 @@ uint32_t commit_item_info(ItemInfo& info, BYTE* destination) noexcept {
 
   if (!info.properties && !info.custom_properties) {
     info.buffer = destination;
+    info.buffer_current = true;
     store_u32(destination + header::kSize, kHeaderSize);
     return kHeaderSize;
   }
@@ -270,13 +320,14 @@ uint32_t commit_item_info(ItemInfo& info, BYTE* destination) noexcept {
   }
   const auto total = static_cast<uint32_t>(out - destination);
   info.buffer = destination;
+  info.buffer_current = true;
   store_u32(destination + header::kSize, total);
   return total;
 }
 
 BYTE* allocate_committed(uint32_t size, const BYTE* source) noexcept {
   if (size > UINT32_MAX - 4) return nullptr;
-  auto* block = static_cast<BYTE*>(::GlobalAlloc(GMEM_FIXED | GMEM_ZEROINIT, size_t{size} + 4));
+  auto* block = static_cast<BYTE*>(global_alloc_output(GMEM_FIXED | GMEM_ZEROINIT, size_t{size} + 4));
   if (block == nullptr) return nullptr;
   if (source != nullptr)
     std::memcpy(block, source, size);
@@ -286,7 +337,7 @@ BYTE* allocate_committed(uint32_t size, const BYTE* source) noexcept {
 }
 
 HRESULT update_item_info(ItemInfo& info, BYTE** committed) noexcept {
-  unique_hglobal block(::GlobalAlloc(GMEM_FIXED | GMEM_ZEROINIT, info.commit_size));
+  unique_hglobal block(global_alloc_output(GMEM_FIXED | GMEM_ZEROINIT, info.commit_size));
   if (!block) return E_OUTOFMEMORY;
   if (commit_item_info(info, static_cast<BYTE*>(block.get())) == 0) return E_FAIL;
   if (*committed != nullptr) ::GlobalFree(*committed);

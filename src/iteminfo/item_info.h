@@ -61,12 +61,21 @@ struct Property {
   // bytes; the references are moved the next time they are looked at rather
   // than one by one in every commit. All of them lie inside the body then.
   uintptr_t shift = 0;
+  // Moves of the whole item info (ItemInfo::moved, which this points to)
+  // apply the same way; moved_seen is how much of them the references have.
+  const uintptr_t* item_moved = nullptr;
+  uintptr_t moved_seen = 0;
 
   void settle() noexcept {
-    if (shift == 0) return;
-    for (auto& [id, attribute] : attributes)
-      for (BYTE*& value : attribute.values_) value = reinterpret_cast<BYTE*>(reinterpret_cast<uintptr_t>(value) + shift);
+    uintptr_t total = shift;
+    if (item_moved != nullptr) {
+      total += *item_moved - moved_seen;
+      moved_seen = *item_moved;
+    }
     shift = 0;
+    if (total == 0) return;
+    for (auto& [id, attribute] : attributes)
+      for (BYTE*& value : attribute.values_) value = reinterpret_cast<BYTE*>(reinterpret_cast<uintptr_t>(value) + total);
   }
 };
 
@@ -79,10 +88,6 @@ inline const ValueList& Attribute::values() const noexcept {
   return values_;
 }
 
-inline void mark_changed(Property& property) noexcept { property.unchanged_body = 0; }
-inline void mark_changed(Attribute& attribute) noexcept {
-  if (attribute.owner != nullptr) mark_changed(*attribute.owner);
-}
 using PropertyMap = std::map<int32_t, Property>;
 // Plain code-unit order of the names: case-sensitive, no locale.
 using CustomPropertyMap = std::map<std::wstring, Property, std::less<>>;
@@ -108,11 +113,36 @@ struct ItemInfo {
   std::unique_ptr<CustomPropertyMap> custom_properties;
   // Set when a property, custom property or attribute is inserted.
   uint32_t modified = 0;
+  // True while the buffer holds byte for byte what a commit would write
+  // (the header's summary fields aside): a commit then copies it whole and
+  // adds the distance to `moved`, which every property's references follow
+  // the next time they are looked at. Every change clears it.
+  bool buffer_current = false;
+  uintptr_t moved = 0;
   MapCursor<AttributeMap> attribute_cursor;
   ValueCursor value_cursor;
   MapCursor<PropertyMap> property_cursor;
   MapCursor<CustomPropertyMap> custom_property_cursor;
 };
+
+// A new property whose references follow the item info's whole moves.
+inline Property make_property(const ItemInfo& info) noexcept {
+  Property property;
+  property.item_moved = &info.moved;
+  property.moved_seen = info.moved;
+  return property;
+}
+
+// Every change of a property's layout goes through here: its body can no
+// longer be copied whole, nor can the item info's buffer.
+inline void mark_changed(ItemInfo& info, Property& property) noexcept {
+  property.unchanged_body = 0;
+  info.buffer_current = false;
+}
+inline void mark_changed(ItemInfo& info, Attribute& attribute) noexcept {
+  info.buffer_current = false;
+  if (attribute.owner != nullptr) attribute.owner->unchanged_body = 0;
+}
 
 // ---- Handles ---------------------------------------------------------------
 
@@ -168,7 +198,7 @@ inline BYTE* append_value(ItemInfo& info, Attribute& attribute, BYTE* block) noe
     return nullptr;
   }
   info.commit_size += cost;
-  mark_changed(attribute);
+  mark_changed(info, attribute);
   return block;
 }
 
@@ -199,7 +229,7 @@ BYTE* replace_value(ItemInfo& info, Attribute& attribute, size_t index, const En
   release_value_block(info, slot);
   slot = block;
   info.commit_size += static_cast<uint32_t>(length - old_length);
-  mark_changed(attribute);
+  mark_changed(info, attribute);
   return block;
 }
 
@@ -210,7 +240,7 @@ inline void delete_value(ItemInfo& info, Attribute& attribute, size_t index) noe
   info.commit_size -= value_cost(block);
   release_value_block(info, block);
   values.erase(values.begin() + static_cast<std::ptrdiff_t>(index));
-  mark_changed(attribute);
+  mark_changed(info, attribute);
 }
 
 inline void delete_all_values(ItemInfo& info, Attribute& attribute) noexcept {
@@ -221,7 +251,7 @@ inline void delete_all_values(ItemInfo& info, Attribute& attribute) noexcept {
     if (!lies_inside(info.buffer, size, block)) free_value_block(block);
   }
   values.clear();
-  mark_changed(attribute);
+  mark_changed(info, attribute);
 }
 
 // ---- Attributes ------------------------------------------------------------
@@ -244,7 +274,7 @@ inline Attribute* add_attribute(ItemInfo& info, Property& property, uint32_t id)
   }
   info.commit_size += kEntryCost;
   info.modified = 1;
-  mark_changed(property);
+  mark_changed(info, property);
   return &it->second;
 }
 
@@ -264,7 +294,7 @@ inline void delete_attribute(ItemInfo& info, Property& property, uint32_t id) no
   delete_all_values(info, it->second);
   info.commit_size -= kEntryCost;
   property.attributes.erase(it);
-  mark_changed(property);
+  mark_changed(info, property);
 }
 
 inline void delete_all_attributes(ItemInfo& info, Property& property) noexcept {
@@ -275,7 +305,7 @@ inline void delete_all_attributes(ItemInfo& info, Property& property) noexcept {
     info.commit_size -= kEntryCost;
   }
   property.attributes.clear();
-  mark_changed(property);
+  mark_changed(info, property);
 }
 
 // ---- Properties ------------------------------------------------------------
@@ -304,12 +334,13 @@ Property* add_to_map(ItemInfo& info, Map& map, Key&& key) noexcept {
   if (it != map.end() && !map.key_comp()(key, it->first)) return &it->second;
   if (!can_grow(info, kEntryCost)) return nullptr;
   try {
-    it = map.emplace_hint(it, std::forward<Key>(key), Property{});
+    it = map.emplace_hint(it, std::forward<Key>(key), make_property(info));
   } catch (...) {
     return nullptr;
   }
   info.commit_size += kEntryCost;
   info.modified = 1;
+  info.buffer_current = false;
   return &it->second;
 }
 
@@ -323,6 +354,7 @@ void delete_from_map(ItemInfo& info, std::unique_ptr<Map>& map, MapCursor<Map>& 
   if (cursor.current == it) ++cursor.current;
   delete_all_attributes(info, it->second);
   info.commit_size -= kEntryCost;
+  info.buffer_current = false;
   map->erase(it);
   if (!map->empty()) return;
   map.reset();

@@ -59,9 +59,11 @@ TEST(ItemInfoLifecycle, UpdateMovesTheItemInfoOntoANewBlock) {
   EXPECT_EQ(unchanged, fresh);
 }
 
-// Unchanged properties are copied whole by a commit; their value references
-// must follow them into each new block, also for an iteration begun before
-// the commit, with every older block already freed.
+// Unchanged properties, and an unchanged item info as a whole, are copied
+// by a commit; their value references must follow them into each new block,
+// also for an iteration begun before the commit, with every older block
+// already freed, and also when whole-item copies and per-property copies
+// alternate.
 TEST(ItemInfoLifecycle, ValueReferencesFollowEveryCommit) {
   BYTE* block = Committed::create().release();
   {
@@ -69,6 +71,7 @@ TEST(ItemInfoLifecycle, ValueReferencesFollowEveryCommit) {
     HMVXATTR values = MvxAddAttribute(building, MvxAddProperty(building, 0x2), 16);
     MvxAddString(building, values, L"first");
     MvxAddString(building, values, L"second");
+    MvxAddInteger(building, MvxAddAttribute(building, MvxAddProperty(building, 0x4), 16), 7);
     ASSERT_EQ(MvxUpdateItemInfo(building, &block), S_OK);
   }
   {
@@ -92,6 +95,21 @@ TEST(ItemInfoLifecycle, ValueReferencesFollowEveryCommit) {
     MvxGetString(info, MvxGetAttributeValue(info, values, 0), &text);
     EXPECT_STREQ(text, L"1st");
     EXPECT_EQ(std::wstring(reinterpret_cast<wchar_t*>(MvxGetAttributeValue(info, values, 0) + 4)), L"1st");
+
+    // A change to the other property: this commit copies property 2's body
+    // alone, the next one the whole item info again.
+    HMVXATTR other = MvxFindAttribute(info, MvxFindProperty(info, 0x4), 16);
+    MvxAddInteger(info, other, 8);
+    for (int commit = 0; commit < 2; ++commit) {
+      ASSERT_EQ(MvxUpdateItemInfo(info, &block), S_OK);
+      MvxGetString(info, MvxGetAttributeValue(info, values, 1), &text);
+      EXPECT_STREQ(text, L"second");
+      EXPECT_TRUE(inside(MvxGetAttributeValue(info, values, 0)));
+      LONG UNALIGNED* number = nullptr;
+      MvxGetInteger(info, MvxGetAttributeValue(info, other, 1), &number);
+      ASSERT_NE(number, nullptr);
+      EXPECT_EQ(*number, 8);
+    }
   }
   FreeMvxInfo(block);
 }

@@ -167,9 +167,9 @@ size_t TouchEverything(HMVXINFO info) {
 void MarkEverythingChanged(HMVXINFO info) {
   ii::ItemInfo& internals = *ii::from_handle(info);
   if (internals.properties)
-    for (auto& [id, property] : *internals.properties) ii::mark_changed(property);
+    for (auto& [id, property] : *internals.properties) ii::mark_changed(internals, property);
   if (internals.custom_properties)
-    for (auto& [name, property] : *internals.custom_properties) ii::mark_changed(property);
+    for (auto& [name, property] : *internals.custom_properties) ii::mark_changed(internals, property);
 }
 
 void CheckMutant(const ByteVector& bytes) {
