@@ -350,6 +350,8 @@ void close_item_info(ItemInfo* info) noexcept {
   // Without a buffer there is no telling which blocks are the caller's: an
   // item info that never had one leaves its value blocks alone.
   if (info == nullptr || info->buffer == nullptr) return;
+  // A buffer that is still what a commit would write holds every value.
+  if (info->buffer_current) return;
   const uint32_t size = buffer_size(*info);
   const auto release = [&](Property& property) {
     for (auto& [id, attribute] : property.attributes)
