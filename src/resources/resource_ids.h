@@ -37,4 +37,11 @@
 #define IDS_CUSTOMTYPES_NOT_REPAIRED 5121
 #define IDS_CUSTOMTYPES_REPAIRED     5122
 
+/* Messages of the path check before a directory clean-up removes anything. */
+#define IDS_CLEANUP_NO_CURRENT_DIR   4928
+#define IDS_CLEANUP_DOUBLE_SLASH     4929
+#define IDS_CLEANUP_TOO_SHORT        4930
+#define IDS_CLEANUP_TOO_LONG         4931
+#define IDS_CLEANUP_NOT_UNDER_BASE   4932
+
 #endif /* MVSUP_RESOURCE_IDS_H */
