@@ -116,7 +116,33 @@ bool swap_legacy_record(char* text, size_t size, const Record& record) {
   return true;
 }
 
+namespace {
+
+enum class Quick { kEqual, kDifferent, kUnsure };
+
+// Equality ignoring case decided on ASCII alone: two ASCII bytes are equal
+// ignoring case exactly when their upper-case letters are; any other byte
+// leaves it to the full comparison.
+Quick quick_compare(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return Quick::kUnsure;
+  bool unsure = false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    const unsigned char x = static_cast<unsigned char>(a[i]), y = static_cast<unsigned char>(b[i]);
+    if (x == y) continue;
+    if ((x | y) & 0x80) {
+      unsure = true;
+      continue;
+    }
+    const unsigned char ux = (x >= 'a' && x <= 'z') ? x - 32 : x, uy = (y >= 'a' && y <= 'z') ? y - 32 : y;
+    if (ux != uy) return Quick::kDifferent;
+  }
+  return unsure ? Quick::kUnsure : Quick::kEqual;
+}
+
+}  // namespace
+
 bool field_equals(std::string_view field_text, std::string_view query) {
+  if (const Quick quick = quick_compare(field_text, query); quick != Quick::kUnsure) return quick == Quick::kEqual;
   if (field_text.size() != query.size()) {
     // A double-byte code page may fold case into another byte length; only
     // there is the longer route worth taking.
@@ -137,16 +163,18 @@ bool field_equals(std::string_view field_text, std::string_view query) {
 PathSearch::PathSearch(std::string_view path_ansi) : query_(path_ansi) {
   span_ = kPathTag.size() + query_.size() + 1;
   impossible_ = query_.empty() || query_.size() > kMaxPath || query_.find('>') != std::string::npos;
-  // One more byte to compare before looking closer: the query's last ASCII
-  // digit, which no case folding changes. Only in single-byte code pages:
+  // More bytes to compare before looking closer: the query's last two ASCII
+  // digits, which no case folding changes (file names differ in their
+  // numbers more than anywhere else). Only in single-byte code pages:
   // elsewhere a digit may be the second byte of a character.
   CPINFO info{};
   if (::GetCPInfo(CP_ACP, &info) && info.MaxCharSize == 1) {
-    for (size_t i = query_.size(); i-- > 0;) {
+    size_t found = 0;
+    for (size_t i = query_.size(); i-- > 0 && found < 2;) {
       if (query_[i] >= '0' && query_[i] <= '9') {
-        anchor_ = static_cast<int>(kPathTag.size() + i);
-        anchor_byte_ = query_[i];
-        break;
+        anchors_[found] = static_cast<int>(kPathTag.size() + i);
+        anchor_bytes_[found] = query_[i];
+        ++found;
       }
     }
   }
@@ -177,18 +205,59 @@ std::optional<Record> confirm(std::string_view text, size_t at, std::string_view
   return record;
 }
 
-// Bit n set: position at+n may hold "<PATH=" + value + '>' (its '<', '=',
-// closing '>' and, when anchored, the anchor byte are where they must be).
-__attribute__((target("sse2"))) unsigned candidates(const char* at, size_t close_offset, size_t anchor_offset,
-                                                     bool anchored, char anchor_byte) {
-  const auto load = [at](size_t offset) __attribute__((target("sse2"))) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at + offset));
-  };
-  __m128i hits = _mm_and_si128(_mm_cmpeq_epi8(load(0), _mm_set1_epi8('<')),
-                               _mm_cmpeq_epi8(load(close_offset), _mm_set1_epi8('>')));
-  hits = _mm_and_si128(hits, _mm_cmpeq_epi8(load(5), _mm_set1_epi8('=')));
-  if (anchored) hits = _mm_and_si128(hits, _mm_cmpeq_epi8(load(anchor_offset), _mm_set1_epi8(anchor_byte)));
+struct Anchors {
+  size_t offsets[2];
+  char bytes[2];
+  int count;
+};
+
+__attribute__((target("sse2"), always_inline)) inline __m128i load16(const char* at) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+}
+
+// Bit n set: position at+n may hold "<PATH=" + value + '>': its '<', its
+// closing '>' and the anchor bytes are where they must be.
+template <int Count>
+__attribute__((target("sse2"), always_inline)) inline unsigned candidates16(const char* at, size_t close_offset,
+                                                                            const Anchors& anchors) {
+  __m128i hits = _mm_and_si128(_mm_cmpeq_epi8(load16(at), _mm_set1_epi8('<')),
+                               _mm_cmpeq_epi8(load16(at + close_offset), _mm_set1_epi8('>')));
+  if constexpr (Count > 0)
+    hits = _mm_and_si128(hits, _mm_cmpeq_epi8(load16(at + anchors.offsets[0]), _mm_set1_epi8(anchors.bytes[0])));
+  if constexpr (Count > 1)
+    hits = _mm_and_si128(hits, _mm_cmpeq_epi8(load16(at + anchors.offsets[1]), _mm_set1_epi8(anchors.bytes[1])));
   return static_cast<unsigned>(_mm_movemask_epi8(hits));
+}
+
+// Positions [from, *next) of data tested 32 at a time; returns the first
+// block's position and mask with a candidate, or sets *next past the last
+// block that fits.
+template <int Count>
+__attribute__((target("sse2"))) size_t next_block(const char* data, size_t from, size_t end, size_t close_offset,
+                                                   const Anchors& anchors, unsigned* mask) {
+  size_t i = from;
+  for (; i + 32 <= end; i += 32) {
+    const unsigned low = candidates16<Count>(data + i, close_offset, anchors);
+    const unsigned high = candidates16<Count>(data + i + 16, close_offset, anchors);
+    if ((low | high) != 0) {
+      *mask = low | (high << 16);
+      return i;
+    }
+  }
+  *mask = 0;
+  return i;
+}
+
+size_t find_block(const char* data, size_t from, size_t end, size_t close_offset, const Anchors& anchors,
+                  unsigned* mask) {
+  switch (anchors.count) {
+    case 0:
+      return next_block<0>(data, from, end, close_offset, anchors, mask);
+    case 1:
+      return next_block<1>(data, from, end, close_offset, anchors, mask);
+    default:
+      return next_block<2>(data, from, end, close_offset, anchors, mask);
+  }
 }
 
 }  // namespace
@@ -199,22 +268,32 @@ std::optional<Record> PathSearch::scan(std::string_view chunk) {
   const char* data = chunk.data();
   const size_t size = chunk.size();
   const size_t close_offset = span_ - 1;
-  const bool anchored = anchor_ >= 0;
-  const size_t anchor_offset = anchored ? static_cast<size_t>(anchor_) : 0;
+  Anchors anchors{{0, 0}, {0, 0}, 0};
+  for (int a = 0; a < 2 && anchors_[a] >= 0; ++a) {
+    anchors.offsets[a] = static_cast<size_t>(anchors_[a]);
+    anchors.bytes[a] = anchor_bytes_[a];
+    anchors.count = a + 1;
+  }
   size_t i = 0;
   if (size >= span_) {
-    if (has_sse2()) {
-      for (; i + close_offset + 16 <= size; i += 16) {
-        for (unsigned mask = candidates(data + i, close_offset, anchor_offset, anchored, anchor_byte_); mask != 0;
-             mask &= mask - 1) {
+    if (has_sse2() && size >= close_offset + 32) {
+      // Blocks of 32 positions whose loads stay inside the chunk.
+      const size_t end = size - close_offset;
+      while (true) {
+        unsigned mask = 0;
+        i = find_block(data, i, end, close_offset, anchors, &mask);
+        if (mask == 0) break;
+        for (; mask != 0; mask &= mask - 1) {
           if (std::optional<Record> record = confirm(chunk, i + static_cast<size_t>(__builtin_ctz(mask)), query_))
             return record;
         }
+        i += 32;
       }
     }
     for (; i + span_ <= size; ++i) {
-      if (data[i] != '<' || data[i + close_offset] != '>' || data[i + 5] != '=') continue;
-      if (anchored && data[i + anchor_offset] != anchor_byte_) continue;
+      if (data[i] != '<' || data[i + close_offset] != '>') continue;
+      if (anchors.count > 0 && data[i + anchors.offsets[0]] != anchors.bytes[0]) continue;
+      if (anchors.count > 1 && data[i + anchors.offsets[1]] != anchors.bytes[1]) continue;
       if (std::optional<Record> record = confirm(chunk, i, query_)) return record;
     }
   }

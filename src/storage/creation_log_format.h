@@ -80,8 +80,10 @@ class PathSearch {
  private:
   std::string query_;
   size_t span_ = 0;          // "<PATH=" + query + ">"
-  int anchor_ = -1;          // offset in the span of a case-free query byte
-  char anchor_byte_ = 0;
+  // Up to two case-free query bytes (digits) and their offsets in the span,
+  // compared before a position is looked at more closely; -1: none.
+  int anchors_[2] = {-1, -1};
+  char anchor_bytes_[2] = {0, 0};
   size_t keep_ = 0;
   bool impossible_ = false;  // no field can ever equal the query
 };
