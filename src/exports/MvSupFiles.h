@@ -29,12 +29,15 @@ extern "C" {
    the log "cannot be opened".
 
    Concurrency: each record is appended with one write to a handle opened for
-   appending only, so records written at the same time by several processes
-   never tear or merge. Compaction (UpdateLogFile and the deleting functions,
-   which compact afterwards) reads the log, deletes it and writes back the
-   records it keeps, without a lock: a record that another process appends
-   after the compaction has read the log and before it has deleted it is
-   lost. The log is a record of convenience, and this is accepted. */
+   appending only, under a lock shared by the processes of the session, so
+   records written at the same time by several processes never tear or
+   merge. Compaction (UpdateLogFile and the deleting functions, which compact
+   afterwards) reads the log, deletes it and writes back the records it
+   keeps. It holds the same lock throughout, so appends made through this
+   library wait for it; a record that anything else appends to the file
+   between the compaction's read and its delete is lost. The log is a record
+   of convenience, and this is accepted. Readers take no lock: a record
+   being appended is either seen whole or not at all. */
 
 /**
  * Appends one record for a file that a component created.
@@ -272,11 +275,12 @@ DWORD WINAPI GetTotalFreeDiskSpace(LPCWSTR root);
  * non-zero. Before every removal the entry's full path (current directory,
  * backslash, name) is checked, in this order: the current directory can be
  * read; it is shorter than 259 characters; a path holding "\\" lies in the
- * cache or work directory; the full path fits in 260 characters; it contains
+ * cache or work directory; the full path has at most 259 characters; it contains
  * the base directory (with a trailing backslash; ignoring case; anywhere, not
- * only at its start); it has at least two backslashes; and the directory that
- * holds the entry really lies under the base (judged by the final path of an
- * open handle, so a path reached through a link is judged by where it leads).
+ * only at its start); it has at least two backslashes; and the entry really
+ * lies under the base (judged by the final path of an open handle, so a path
+ * reached through a link is judged by where it leads: inside an absolute base
+ * that exists, else containing the base text).
  * A failed check traces "MVSUP2U.DLL: <message>" and the reason, shows a
  * top-level message box without owner (caption "MVSUP2U.DLL", text from the
  * resource module, strings 4928-4932), removes nothing more and makes the
