@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -31,6 +32,36 @@ constexpr DWORD kWriterLockWait = 10000;
 // it; writing it back waits for that.
 constexpr int kRecreateAttempts = 100;
 constexpr DWORD kRecreatePause = 10;
+
+// The buffer that look-ups read the log through. One is kept for the
+// process, so that its pages stay mapped between calls (a fresh block of
+// the log's size costs more to fault in than the search itself, and the
+// caller's stack may be small); a look-up that finds it in use by another
+// thread takes its own from the heap.
+alignas(64) char g_scan_buffer[kChunk];
+std::atomic<bool> g_scan_buffer_busy{false};
+
+class ScanBuffer {
+ public:
+  ScanBuffer() {
+    if (!g_scan_buffer_busy.exchange(true, std::memory_order_acquire)) {
+      data_ = g_scan_buffer;
+    } else {
+      own_ = std::make_unique<char[]>(kChunk);
+      data_ = own_.get();
+    }
+  }
+  ~ScanBuffer() {
+    if (data_ == g_scan_buffer) g_scan_buffer_busy.store(false, std::memory_order_release);
+  }
+  ScanBuffer(const ScanBuffer&) = delete;
+  ScanBuffer& operator=(const ScanBuffer&) = delete;
+  char* data() const { return data_; }
+
+ private:
+  std::unique_ptr<char[]> own_;
+  char* data_ = nullptr;
+};
 
 HRESULT hresult_from_error(DWORD error) noexcept { return static_cast<HRESULT>(0x80070000u | (error & 0xFFFFu)); }
 
@@ -202,9 +233,8 @@ HRESULT is_logged(const wchar_t* path, const wchar_t* creator) noexcept {
     if (!file) return E_FAIL;
     PathSearch search(text::to_narrow(path));
     if (search.impossible()) return 1;
-    // The log is read in chunks into one buffer on the stack: a fresh heap
-    // block of the log's size costs more to fault in than the search itself.
-    char buffer[kChunk];
+    const ScanBuffer scan_buffer;
+    char* const buffer = scan_buffer.data();
     size_t kept = 0;
     while (true) {
       DWORD read = 0;
