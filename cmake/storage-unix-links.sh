@@ -5,12 +5,13 @@
 #   base\tree\to-canary-empty  -> canary\empty  (an empty directory)
 #   base\tree\to-canary-file   -> canary\file.txt
 #   base\top-link              -> canary\full
-#   storage-unix-links.sh <wine-run.sh> <prefix>
+#   storage-unix-links.sh <emulator command...>
+# The emulator command is the build's (wine-run.sh [options] <prefix>); its
+# last word is the prefix.
 set -eu
-runner=$1
-prefix=$2
+for prefix in "$@"; do :; done
 # The prefix's drive folder exists once Wine has booted it.
-[ -d "$prefix/drive_c" ] || "$runner" "$prefix" cmd /c exit >/dev/null 2>&1 || true
+[ -d "$prefix/drive_c" ] || "$@" cmd /c exit >/dev/null 2>&1 || true
 [ -d "$prefix/drive_c" ] || { echo "no drive_c in $prefix" >&2; exit 1; }
 root="$prefix/drive_c/mvsup-unix-links"
 mkdir -p "$root/base/tree" "$root/canary"
