@@ -37,4 +37,9 @@
 #define IDS_CUSTOMTYPES_NOT_REPAIRED 5121
 #define IDS_CUSTOMTYPES_REPAIRED     5122
 
+/* Format names of files without a table entry. */
+#define IDS_FORMAT_ALL_FILES         4935
+#define IDS_FORMAT_EXECUTABLE        4936
+#define IDS_FORMAT_SYSTEM_EXTENSION  4937
+
 #endif /* MVSUP_RESOURCE_IDS_H */
