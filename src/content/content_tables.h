@@ -156,29 +156,32 @@ static_assert(kExtensionTable.size() == 78 && extension_rows_fit());
 static_assert(kFormatTable.size() == 25 && format_rows_fit());
 static_assert(kFormatTable.back().mime_type == L"application/octet-stream");
 
-// Table look-ups; empty views when no row matches. Comparisons ignore case.
-inline std::wstring_view table_mime_type_for_extension(std::wstring_view extension) noexcept {
-  for (const ExtensionRow& row : kExtensionTable)
-    if (text::equals_ignore_case(row.extension, extension)) return row.mime_type;
+// The `value` of the first row whose `key` equals `wanted`, ignoring case;
+// an empty view when no row matches.
+template <typename Row>
+std::wstring_view first_match(std::span<const Row> rows, std::wstring_view Row::*key, std::wstring_view Row::*value,
+                              std::wstring_view wanted) noexcept {
+  for (const Row& row : rows)
+    if (text::equals_ignore_case(row.*key, wanted)) return row.*value;
   return {};
+}
+
+inline std::wstring_view table_mime_type_for_extension(std::wstring_view extension) noexcept {
+  return first_match<ExtensionRow>(kExtensionTable, &ExtensionRow::extension, &ExtensionRow::mime_type, extension);
 }
 
 inline std::wstring_view table_extension_for_mime_type(std::wstring_view mime_type) noexcept {
-  for (const ExtensionRow& row : kExtensionTable)
-    if (text::equals_ignore_case(row.mime_type, mime_type)) return row.extension;
-  return {};
+  return first_match<ExtensionRow>(kExtensionTable, &ExtensionRow::mime_type, &ExtensionRow::extension, mime_type);
 }
 
+// The last row ("application/octet-stream") is left out on purpose.
 inline std::wstring_view table_format_for_mime_type(std::wstring_view mime_type) noexcept {
-  for (const FormatRow& row : std::span(kFormatTable).first(kFormatTable.size() - 1))
-    if (text::equals_ignore_case(row.mime_type, mime_type)) return row.format_name;
-  return {};
+  return first_match<FormatRow>(std::span(kFormatTable).first(kFormatTable.size() - 1), &FormatRow::mime_type,
+                                &FormatRow::format_name, mime_type);
 }
 
 inline std::wstring_view table_mime_type_for_format(std::wstring_view format_name) noexcept {
-  for (const FormatRow& row : kFormatTable)
-    if (text::equals_ignore_case(row.format_name, format_name)) return row.mime_type;
-  return {};
+  return first_match<FormatRow>(kFormatTable, &FormatRow::format_name, &FormatRow::mime_type, format_name);
 }
 
 }  // namespace mvsup::content
