@@ -84,6 +84,7 @@ HRESULT WINAPI GetFileExtFromMimeType2(LPCWSTR mimeType, LPWSTR buffer, int capa
 /**
  * GetFileExtFromMimeType2 into a shared buffer of 16 characters.
  *
+ * @param mimeType  the MIME type.
  * @return the shared buffer: the extension, or empty when
  *         GetFileExtFromMimeType2 gives anything but S_OK (an extension of
  *         16 characters or more included). Overwritten by the next call.
@@ -96,6 +97,7 @@ LPCWSTR WINAPI GetFileExtFromMimeType(LPCWSTR mimeType);
  * name equals formatName, ignoring case ("ms excel" gives
  * "application/ms-excel", "Executable file" "application/octet-stream").
  *
+ * @param formatName  the format name; null counts as empty.
  * @return constant text; "" when no row matches.
  * Thread safety: any thread.
  */
@@ -107,6 +109,7 @@ LPCWSTR WINAPI GetMimeTypeFromDocFormat(LPCWSTR formatName);
  * looked up (it gives ""): executables are named by their extension, see
  * GetDocFormatFromFileName.
  *
+ * @param mimeType  the MIME type; null counts as empty.
  * @return constant text; "" when no row matches.
  * Thread safety: any thread.
  */
@@ -123,6 +126,7 @@ LPCWSTR WINAPI GetDocFormatFromMimeType(LPCWSTR mimeType);
  * Without a MIME type: the extension's first 39 characters in upper case.
  * No extension gives "".
  *
+ * @param fileName  a file name or path; null counts as empty.
  * @return constant text for the table's and the fixed names; otherwise a
  *         shared buffer of 40 characters that the next call overwrites.
  * Thread safety: one thread at a time. Traced.
@@ -150,8 +154,14 @@ LPCWSTR WINAPI GetDocFormatFromFileName(LPCWSTR fileName);
 int WINAPI DecomposeURL(LPCWSTR url, LPWSTR schemeOut, LPWSTR hostOut, LPWSTR pathOut);
 
 /**
- * DecomposeURL of a narrow URL (converted from the ANSI code page); the out
- * buffers are wide, of the same sizes.
+ * DecomposeURL of a narrow URL (converted from the ANSI code page).
+ *
+ * @param url        the URL in the ANSI code page; null counts as empty.
+ * @param schemeOut  optional wide buffer of 40 characters.
+ * @param hostOut    optional wide buffer of 128 characters.
+ * @param pathOut    optional wide buffer of 128 characters.
+ * @return as DecomposeURL.
+ * Thread safety: any thread.
  */
 int WINAPI DecomposeURLA(LPCSTR url, LPWSTR schemeOut, LPWSTR hostOut, LPWSTR pathOut);
 
