@@ -1,11 +1,11 @@
 // What the content-type functions write to the call-trace log. The trace
 // configuration is read when the library loads, so the calls run in a child
 // process started after the configuration is written.
-#include <process.h>
 
 #include <regex>
 #include <string>
 
+#include "common/paths.h"
 #include "common/registry_sandbox.h"
 #include "common/trace_log.h"
 #include "content_support.h"
@@ -27,21 +27,12 @@ constexpr const wchar_t* kChildVariable = L"MVSUP_CONTENT_TRACE_CHILD";
   return true;
 }();
 
-intptr_t RunChild() {
-  wchar_t exe[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, exe, MAX_PATH);
-  _wputenv((std::wstring(kChildVariable) + L"=1").c_str());
-  const intptr_t code = _wspawnl(_P_WAIT, exe, L"child", L"--gtest_filter=-*", nullptr);
-  _wputenv((std::wstring(kChildVariable) + L"=").c_str());
-  return code;
-}
-
 class ContentTrace : public RegistrySandbox {};
 
 TEST_F(ContentTrace, RegistryReadersWriteTheirScopesAndResults) {
   SavedKey database(HKEY_LOCAL_MACHINE, kDatabaseMachinePath);
   TraceLogFolder log(0x10001);  // active, level 1
-  ASSERT_EQ(RunChild(), 0);
+  ASSERT_EQ(run_self_as_child(kChildVariable), 0);
   const std::string text = log.read_all();
   const auto stop = [](const std::string& name, const std::string& results) {
     return std::regex("---- STOP " + name + R"( \[MVSUP2u\] @ [0-9:]+:\n )" + results + "\n");
