@@ -13,5 +13,6 @@
 #include "MvSupProperties.h"
 #include "MvSupTime.h"
 #include "MvSupFiles.h"
+#include "MvSupContent.h"
 
 #endif /* MVSUP2U_H */
