@@ -12,5 +12,6 @@
 #include "MvSupItemInfo.h"
 #include "MvSupProperties.h"
 #include "MvSupTime.h"
+#include "MvSupDispatch.h"
 
 #endif /* MVSUP2U_H */
