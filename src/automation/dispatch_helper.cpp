@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "automation/invoke_guard.h"
 #include "types/item_types.h"
 
 namespace mvsup::automation {
@@ -71,12 +72,35 @@ HRESULT CDispatchHelper::reserve_arguments(UINT count) noexcept {
   return S_OK;
 }
 
+namespace {
+
+struct InvokeCall {
+  CDispatchHelper& record;
+  IDispatch* pdisp;
+  bool thrown = false;
+};
+
+// Our own catch-all: C++ exceptions of servers built with our compiler
+// arrive here; the structured frame around this call takes those of others.
+HRESULT invoke_catching(void* context) noexcept {
+  InvokeCall& call = *static_cast<InvokeCall*>(context);
+  CDispatchHelper& r = call.record;
+  try {
+    return call.pdisp->Invoke(r.dispid, IID_NULL, 0, r.wFlags, &r.params, &r.result, &r.excepInfo, &r.argErr);
+  } catch (...) {
+    call.thrown = true;
+    return E_FAIL;
+  }
+}
+
+}  // namespace
+
 HRESULT CDispatchHelper::Invoke(IDispatch* pdisp) noexcept {
   trace::CallScope scope("CDispatchHelper::Invoke");
-  HRESULT hr = E_FAIL;
-  try {
-    hr = pdisp->Invoke(dispid, IID_NULL, 0, wFlags, &params, &result, &excepInfo, &argErr);
-  } catch (...) {
+  InvokeCall call{*this, pdisp};
+  bool caught = false;
+  HRESULT hr = call_with_exception_frame(invoke_catching, &call, &caught);
+  if (call.thrown || caught) {
     trace::line("Caught exception from IDispatch::Invoke\n");
     hr = E_FAIL;
   }

@@ -285,18 +285,38 @@ TEST_F(DispatchResults, UnknownNamesGoToTheDefaultMember) {
   EXPECT_EQ(value, 123);
 }
 
+// What a Microsoft-compiled server's throw raises is stopped by the
+// structured frame around Invoke, after the frames below it were unwound.
+TEST_F(DispatchResults, MicrosoftCppExceptionOutOfInvokeGivesEFail) {
+  long value = 5;
+  EXPECT_EQ(DispatchPropertyGetI4(object(), member(L"RaiseForeign"), &value, 5), E_FAIL);
+  EXPECT_EQ(value, 5);
+  IDispatch* child = reinterpret_cast<IDispatch*>(0x1);
+  EXPECT_EQ(DispatchMethodGetObject(object(), member(L"RaiseForeign"), &child), E_FAIL);
+  EXPECT_EQ(child, reinterpret_cast<IDispatch*>(0x1));
+  // The thread's state is intact: calls and exceptions work afterwards.
+  EXPECT_EQ(DispatchPropertyGetI4(object(), member(L"Long"), &value, 5), S_OK);
+  EXPECT_EQ(value, 123);
+  bool caught_here = false;
+  try {
+    throw 1;
+  } catch (int) {
+    caught_here = true;
+  }
+  EXPECT_TRUE(caught_here);
+}
+
 #if defined(_WIN64)
-// A C++ exception can cross from the server's module into ours only where
-// unwinding is table-based (x64 SEH); a 32-bit MinGW server's exception
-// cannot leave its own module at all.
-TEST_F(DispatchResults, ExceptionThrownOutOfInvokeGivesEFailOnX64) {
+// A GCC-built server's C++ exception reaches our catch (...) only where
+// unwinding is table-based (x64); on i686 it cannot leave its own module
+// (each module carries its own DWARF unwinder) and ends the process there.
+TEST_F(DispatchResults, GccCppExceptionOutOfInvokeGivesEFailOnX64) {
   long value = 5;
   EXPECT_EQ(DispatchPropertyGetI4(object(), member(L"Throw"), &value, 5), E_FAIL);
   EXPECT_EQ(value, 5);
   IDispatch* child = nullptr;
   EXPECT_EQ(DispatchMethodGetObject(object(), member(L"Throw"), &child), E_FAIL);
   EXPECT_EQ(child, nullptr);
-  // The helpers still work afterwards.
   EXPECT_EQ(DispatchPropertyGetI4(object(), member(L"Long"), &value, 5), S_OK);
 }
 #endif
