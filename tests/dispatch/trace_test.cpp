@@ -2,13 +2,12 @@
 // nested scopes of one call, the server's exception texts, the failed name
 // lookup and the caught exception. The trace configuration is read when the
 // library loads, so the traced calls run in a child process.
-#include <process.h>
-
 #include <iterator>
 #include <regex>
 #include <string>
 
 #include "automation_support.h"
+#include "common/child_process.h"
 #include "common/trace_log.h"
 
 namespace mvsup::test {
@@ -41,20 +40,10 @@ bool run_traced_calls() {
 
 // Child mode: the traced calls, then exit.
 [[maybe_unused]] const bool kRanAsChild = [] {
-  wchar_t flag[8];
-  if (GetEnvironmentVariableW(kChildVariable, flag, 8) == 0) return false;
+  if (!is_child_process(kChildVariable)) return false;
   ExitProcess(run_traced_calls() ? 0 : 2);
   return true;
 }();
-
-intptr_t run_child() {
-  wchar_t exe[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, exe, MAX_PATH);
-  _wputenv((std::wstring(kChildVariable) + L"=1").c_str());
-  const intptr_t code = _wspawnl(_P_WAIT, exe, L"child", L"--gtest_filter=-*", nullptr);
-  _wputenv((std::wstring(kChildVariable) + L"=").c_str());
-  return code;
-}
 
 const std::string kStamp = R"( \[MVSUP2u\] @ [0-9:]+)";
 std::string start(const std::string& name) { return "==== START " + name + kStamp + "\n"; }
@@ -66,7 +55,7 @@ class DispatchTrace : public AutomationTest {};
 
 TEST_F(DispatchTrace, HelpersTraceTheirLookupInvokeAndTheServersException) {
   TraceLogFolder log(0x10002);  // active, level 2
-  ASSERT_EQ(run_child(), 0);
+  ASSERT_EQ(run_child_process(kChildVariable), 0);
   const std::string text = log.read_all();
 
   // One call: the lookup and the Invoke nested in the helper's scope; the
