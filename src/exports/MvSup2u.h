@@ -14,5 +14,6 @@
 #include "MvSupTime.h"
 #include "MvSupFiles.h"
 #include "MvSupContent.h"
+#include "MvSupDispatch.h"
 
 #endif /* MVSUP2U_H */

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "MvSup2u.h"
-#include "common/paths.h"
+#include "common/child_process.h"
 #include "common/registry_sandbox.h"
 #include "common/trace_log.h"
 #include "time_values.h"
@@ -255,8 +255,7 @@ constexpr const wchar_t* kTraceChildVariable = L"MVSUP_TIME_TRACE_CHILD";
 // Child mode of the trace test: the trace configuration is read when the
 // library loads, so the traced calls must run in a fresh process.
 [[maybe_unused]] const bool kRanAsTraceChild = [] {
-  wchar_t flag[8];
-  if (GetEnvironmentVariableW(kTraceChildVariable, flag, 8) == 0) return false;
+  if (!is_child_process(kTraceChildVariable)) return false;
   const SYSTEMTIME gmt = make_time(2006, 8, 14, 9, 5, 0, 1);
   SYSTEMTIME local{};
   SYSTEMTIME back{};
@@ -401,7 +400,7 @@ class LocalTimeTrace : public RegistrySandbox {};
 TEST_F(LocalTimeTrace, ConversionsWriteBothTimesAndTheBias) {
   if (current_tz() != L"UTC") GTEST_SKIP() << "expected lines are for TZ=UTC";
   const TraceLogFolder logs(0x00010002);  // active, level 2
-  ASSERT_EQ(run_self_as_child(kTraceChildVariable), 0);
+  ASSERT_EQ(run_child_process(kTraceChildVariable), 0);
   const std::string log = logs.read_all();
   EXPECT_NE(log.find("GmtToLocalTime"), std::string::npos) << log;
   EXPECT_NE(log.find("LocalTimeToGmt"), std::string::npos) << log;
