@@ -12,5 +12,7 @@
 #include "MvSupItemInfo.h"
 #include "MvSupProperties.h"
 #include "MvSupTime.h"
+#include "MvSupStreams.h"
+#include "MvSupRichText.h"
 
 #endif /* MVSUP2U_H */
