@@ -31,6 +31,9 @@ constexpr std::string_view kTrailer = "}";
 constexpr std::string_view kEscapedOpen = "\\{";
 constexpr std::string_view kEscapedClose = "\\}";
 
+// Output is handed to the stream in writes of up to this many bytes.
+constexpr size_t kWriteBuffer = 16384;
+
 constexpr size_t kTagCapacity = 15;
 constexpr std::string_view kBasePrefix = "<BASE HREF=\"";
 constexpr std::string_view kBaseSuffix = "\">";
@@ -129,7 +132,11 @@ class RichTextWriter {
       : out_(out), html_(kind == Encapsulation::Html), base_(html_ ? base_href : nullptr) {}
 
   HRESULT header() noexcept { return write(html_ ? kHtmlHeader : kPlainTextHeader); }
-  HRESULT trailer() noexcept { return write(kTrailer); }
+  // The closing brace, and everything still held back.
+  HRESULT finish() noexcept {
+    const HRESULT hr = write(kTrailer);
+    return FAILED(hr) ? hr : flush();
+  }
 
   // True once the HTML end tag has ended the text: later pieces are not
   // wanted.
@@ -181,9 +188,27 @@ class RichTextWriter {
   }
 
  private:
+  // Runs are collected and handed to the stream in large writes: a text
+  // with many braces would otherwise grow the stream once per run.
   HRESULT write(std::string_view bytes) noexcept {
-    const HRESULT hr = write_all(out_, bytes);
-    if (SUCCEEDED(hr)) written_ += bytes.size();
+    if (pending_ + bytes.size() > buffer_.size()) {
+      const HRESULT hr = flush();
+      if (FAILED(hr)) return hr;
+    }
+    if (bytes.size() >= buffer_.size()) {
+      const HRESULT hr = write_all(out_, bytes);
+      if (FAILED(hr)) return hr;
+    } else {
+      std::memcpy(buffer_.data() + pending_, bytes.data(), bytes.size());
+      pending_ += bytes.size();
+    }
+    written_ += bytes.size();
+    return S_OK;
+  }
+
+  HRESULT flush() noexcept {
+    const HRESULT hr = write_all(out_, std::string_view(buffer_.data(), pending_));
+    pending_ = 0;
     return hr;
   }
 
@@ -192,8 +217,10 @@ class RichTextWriter {
   // offset counts neither the header nor the escapes. It is never grown,
   // which would expose memory that nothing wrote.
   HRESULT cut_at(ULONGLONG ansi_offset) noexcept {
+    HRESULT hr = flush();
+    if (FAILED(hr)) return hr;
     const ULONGLONG size = std::min(ansi_offset, written_);
-    HRESULT hr = out_->SetSize(large(size));
+    hr = out_->SetSize(large(size));
     if (FAILED(hr)) return hr;
     LARGE_INTEGER position;
     position.QuadPart = static_cast<LONGLONG>(size);
@@ -203,6 +230,8 @@ class RichTextWriter {
   }
 
   IStream* out_;
+  std::array<char, kWriteBuffer> buffer_;
+  size_t pending_ = 0;
   const bool html_;
   const BaseElement base_;
   ULONGLONG written_ = 0;
@@ -263,7 +292,7 @@ HRESULT create_rich_text(IStream* source, IStream** rtf, Encapsulation kind, con
     offset += read;
   }
 
-  hr = writer.trailer();
+  hr = writer.finish();
   if (SUCCEEDED(hr)) hr = out->Commit(STGC_OVERWRITE);
   if (SUCCEEDED(hr)) hr = rewind(source);
   if (SUCCEEDED(hr)) hr = rewind(out.get());
