@@ -42,6 +42,17 @@ std::string stream_bytes(IStream* stream) {
   return bytes;
 }
 
+HGLOBAL global_block(const std::string& bytes) {
+  HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
+  if (memory == nullptr) {
+    ADD_FAILURE() << "GlobalAlloc failed";
+    return nullptr;
+  }
+  if (!bytes.empty()) std::memcpy(GlobalLock(memory), bytes.data(), bytes.size());
+  GlobalUnlock(memory);
+  return memory;
+}
+
 std::string global_bytes(HGLOBAL memory, size_t size) {
   if (memory == nullptr) return {};
   EXPECT_GE(GlobalSize(memory), size);

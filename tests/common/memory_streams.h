@@ -22,6 +22,9 @@ std::string stream_bytes(IStream* stream);
 // The stream's current position.
 ULONGLONG stream_position(IStream* stream);
 
+// A new moveable global memory block holding `bytes`; the caller frees it.
+HGLOBAL global_block(const std::string& bytes);
+
 // The bytes of a global memory block, first `size` of them.
 std::string global_bytes(HGLOBAL memory, size_t size);
 

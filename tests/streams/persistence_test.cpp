@@ -200,33 +200,29 @@ const Saver kSavers[] = {
      }},
 };
 
+// The object's bytes lie between others; the copy starts at the current
+// position and leaves the source after what it took.
+void load_between_other_bytes(HRESULT(WINAPI* load)(IStream*, ULONG, IUnknown*), const std::string& bytes,
+                              IUnknown* font) {
+  Held<IStream> source(memory_stream("abc" + bytes + "trailing", 3));
+  EXPECT_EQ(load(source.get(), static_cast<ULONG>(bytes.size()), font), S_OK);
+  EXPECT_EQ(stream_position(source.get()), 3 + bytes.size());
+  EXPECT_EQ(source.release(), 0u);
+}
+
 const Loader kLoaders[] = {
     {"LoadObjectFromHGlobal",
      [](const std::string& bytes, IUnknown* font) {
-       HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
-       memcpy(GlobalLock(memory), bytes.data(), bytes.size());
-       GlobalUnlock(memory);
+       HGLOBAL memory = global_block(bytes);
        EXPECT_EQ(LoadObjectFromHGlobal(memory, FALSE, font), S_OK);
        // Not deleted on release: still the caller's, unchanged.
        EXPECT_EQ(global_bytes(memory, bytes.size()), bytes);
        EXPECT_EQ(GlobalFree(memory), nullptr);
      }},
     {"LoadObjectFromStream",
-     [](const std::string& bytes, IUnknown* font) {
-       // The object's bytes lie between others; the copy starts at the
-       // current position and leaves the source after what it took.
-       Held<IStream> source(memory_stream("abc" + bytes + "trailing", 3));
-       EXPECT_EQ(LoadObjectFromStream(source.get(), static_cast<ULONG>(bytes.size()), font), S_OK);
-       EXPECT_EQ(stream_position(source.get()), 3 + bytes.size());
-       EXPECT_EQ(source.release(), 0u);
-     }},
+     [](const std::string& bytes, IUnknown* font) { load_between_other_bytes(LoadObjectFromStream, bytes, font); }},
     {"DeserializeObject",
-     [](const std::string& bytes, IUnknown* font) {
-       Held<IStream> source(memory_stream("abc" + bytes + "trailing", 3));
-       EXPECT_EQ(DeserializeObject(source.get(), static_cast<ULONG>(bytes.size()), font), S_OK);
-       EXPECT_EQ(stream_position(source.get()), 3 + bytes.size());
-       EXPECT_EQ(source.release(), 0u);
-     }},
+     [](const std::string& bytes, IUnknown* font) { load_between_other_bytes(DeserializeObject, bytes, font); }},
 };
 
 TEST_F(Persistence, FontRoundTripsThroughEverySaveLoadPair) {
@@ -399,28 +395,19 @@ TEST_F(Persistence, SaveObjectToHGlobalHandsOutWhatWasWrittenAndReleasesItsStrea
 TEST_F(Persistence, LoadersReleaseTheStreamsTheyMake) {
   using Call = std::function<HRESULT(RecordingObject&)>;
   const std::string bytes = "object bytes";
+  const auto from_fake = [&](HRESULT(WINAPI * load)(IStream*, ULONG, IUnknown*), RecordingObject& object) {
+    FakeStream source(bytes + "more");
+    const HRESULT hr = load(&source, static_cast<ULONG>(bytes.size()), &object);
+    EXPECT_EQ(source.references(), 1u);
+    return hr;
+  };
   const std::pair<const char*, Call> loaders[] = {
       {"LoadObjectFromHGlobal, deleted on release",
        [&](RecordingObject& object) {
-         HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
-         memcpy(GlobalLock(memory), bytes.data(), bytes.size());
-         GlobalUnlock(memory);
-         return LoadObjectFromHGlobal(memory, TRUE, &object);
+         return LoadObjectFromHGlobal(global_block(bytes), TRUE, &object);
        }},
-      {"LoadObjectFromStream",
-       [&](RecordingObject& object) {
-         FakeStream source(bytes + "more");
-         const HRESULT hr = LoadObjectFromStream(&source, static_cast<ULONG>(bytes.size()), &object);
-         EXPECT_EQ(source.references(), 1u);
-         return hr;
-       }},
-      {"DeserializeObject",
-       [&](RecordingObject& object) {
-         FakeStream source(bytes + "more");
-         const HRESULT hr = DeserializeObject(&source, static_cast<ULONG>(bytes.size()), &object);
-         EXPECT_EQ(source.references(), 1u);
-         return hr;
-       }},
+      {"LoadObjectFromStream", [&](RecordingObject& object) { return from_fake(LoadObjectFromStream, object); }},
+      {"DeserializeObject", [&](RecordingObject& object) { return from_fake(DeserializeObject, object); }},
   };
   for (const auto& [name, load] : loaders) {
     for (HRESULT load_result : {S_OK, S_FALSE, E_ACCESSDENIED}) {
@@ -495,9 +482,7 @@ TEST_F(Persistence, DeserializeObjectLoadsWhateverWasCopied) {
 TEST_F(Persistence, LoadObjectFromHGlobalKeepsOrFreesTheBlockAsTold) {
   // deleteOnRelease FALSE leaves the block to the caller, unchanged.
   RecordingObject object;
-  HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, 5);
-  memcpy(GlobalLock(memory), "bytes", 5);
-  GlobalUnlock(memory);
+  HGLOBAL memory = global_block("bytes");
   EXPECT_EQ(LoadObjectFromHGlobal(memory, FALSE, &object), S_OK);
   EXPECT_EQ(object.loaded, "bytes");
   EXPECT_EQ(object.release_kept_stream(), 0u);
@@ -507,7 +492,7 @@ TEST_F(Persistence, LoadObjectFromHGlobalKeepsOrFreesTheBlockAsTold) {
   // Null memory is refused before anything is made; a null object still
   // lets the stream take the block, so that deleteOnRelease holds.
   EXPECT_EQ(LoadObjectFromHGlobal(nullptr, TRUE, &object), E_INVALIDARG);
-  EXPECT_EQ(LoadObjectFromHGlobal(GlobalAlloc(GMEM_MOVEABLE, 5), TRUE, nullptr), E_POINTER);
+  EXPECT_EQ(LoadObjectFromHGlobal(global_block("bytes"), TRUE, nullptr), E_POINTER);
   EXPECT_EQ(object.references(), 1u);
 }
 
