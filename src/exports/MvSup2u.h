@@ -15,5 +15,7 @@
 #include "MvSupFiles.h"
 #include "MvSupContent.h"
 #include "MvSupDispatch.h"
+#include "MvSupStreams.h"
+#include "MvSupRichText.h"
 
 #endif /* MVSUP2U_H */
