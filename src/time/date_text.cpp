@@ -319,13 +319,8 @@ HRESULT WINAPI TimetToGMTDateA(__time64_t time, LONG zoneSeconds, LPSTR buffer, 
   std::fill_n(buffer, capacity, '\0');
   std::wstring date;
   const HRESULT hr = time::format_http_date(time, zoneSeconds, date);
-  if (hr != S_OK) return scope.hr(hr);
-  try {
-    text::copy_truncated(buffer, capacity, text::to_narrow(date));
-  } catch (...) {
-    return scope.hr(E_OUTOFMEMORY);
-  }
-  return scope.hr(S_OK);
+  if (hr == S_OK) text::copy_narrow_truncated(buffer, capacity, date);
+  return scope.hr(hr);
 }
 
 HRESULT WINAPI TimetFromGMTDate(LPCWSTR text, __time64_t* time, LONG* zoneSeconds) {
