@@ -84,10 +84,11 @@ HRESULT WINAPI TimetFromGMTDateA(LPCSTR text, __time64_t* time, LONG* zoneSecond
 
 /* ---- Modification dates (HTTP dates) ---- */
 
-/* The HTTP date of systemTime taken as UTC, with the zone "GMT"; "" for a
-   null pointer, an impossible date, or a time TimetToGMTDate cannot write
-   (before 1970, after 3001-01-01 07:59:59). Milliseconds are dropped.
-   Shared static buffer. */
+/* The HTTP date of systemTime taken as UTC, with the zone "GMT", for every
+   date that SystemTimeFromMVModifiedDate reads (years 1601 to 30827): the
+   day name is computed from the date, milliseconds are dropped. "" for a
+   null pointer or an impossible date. Shared static buffer; not for
+   concurrent callers. */
 LPCWSTR WINAPI MVModifiedDateFromSystemTime(const SYSTEMTIME* systemTime);
 
 /* Reads a modification date with TimetFromGMTDate. On success *systemTime
