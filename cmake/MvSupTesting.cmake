@@ -87,7 +87,7 @@ if(TARGET test_time)
     set_tests_properties(${zone_test} PROPERTIES ENVIRONMENT TZ=${zone} LABELS wine TIMEOUT 300
                          RESOURCE_LOCK wine_prefix
                          PASS_REGULAR_EXPRESSION "\\[  PASSED  \\] [1-9]"
-                         FAIL_REGULAR_EXPRESSION "\\[  (FAILED|SKIPPED) \\]")
+                         FAIL_REGULAR_EXPRESSION "\\[  (FAILED|SKIPPED) +\\]")
   endforeach()
 endif()
 
@@ -101,7 +101,7 @@ foreach(subsystem settings types)
     set_tests_properties(${subsystem}.ansi_code_page_932 PROPERTIES ENVIRONMENT MVSUP_LOCALE=ja_JP.UTF-8
                          LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix
                          PASS_REGULAR_EXPRESSION "\\[  PASSED  \\] [1-9]"
-                         FAIL_REGULAR_EXPRESSION "\\[  (FAILED|SKIPPED) \\]")
+                         FAIL_REGULAR_EXPRESSION "\\[  (FAILED|SKIPPED) +\\]")
   endif()
 endforeach()
 

@@ -101,8 +101,9 @@ int WINAPI SystemTimeFromMVModifiedDate(LPCWSTR text, SYSTEMTIME* systemTime);
 /* The same for ANSI text. */
 int WINAPI SystemTimeFromMVModifiedDateA(LPCSTR text, SYSTEMTIME* systemTime);
 
-/* ---- UTC and local time (the time zone of the system, with its current
-   daylight-saving rules applied to every year) ---- */
+/* ---- UTC and local time (the time zone of the system, each year with the
+   daylight-saving rules it had where the system keeps rules per year, else
+   with the current rules) ---- */
 
 /* UTC to local time. Writes trace lines (level 2) with both times and the
    bias in minutes (UTC = local + bias). */
