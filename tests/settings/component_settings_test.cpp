@@ -60,13 +60,7 @@ TEST_F(ComponentSettings, StringSettingsWideAndNarrow) {
 
 // Run by settings.ansi_code_page_932 under the Japanese code page; the
 // default run (1252) skips them.
-class AnsiCodePage932 : public RegistrySandbox {
- protected:
-  void SetUp() override {
-    if (GetACP() != 932) GTEST_SKIP() << "ANSI code page " << GetACP() << ", not 932";
-    RegistrySandbox::SetUp();
-  }
-};
+class AnsiCodePage932 : public CodePageSandbox<932> {};
 
 // Double-byte characters (93 FA, 96 7B) are dropped whole when they do not
 // fit, never cut after their lead byte.

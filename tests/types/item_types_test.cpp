@@ -182,13 +182,7 @@ TEST_F(ItemTypes, NarrowFormsUseTheAnsiCodePage) {
 
 // Run by types.ansi_code_page_932 under the Japanese code page; the default
 // run (1252) skips them.
-class AnsiCodePage932 : public RegistrySandbox {
- protected:
-  void SetUp() override {
-    if (GetACP() != 932) GTEST_SKIP() << "ANSI code page " << GetACP() << ", not 932";
-    RegistrySandbox::SetUp();
-  }
-};
+class AnsiCodePage932 : public CodePageSandbox<932> {};
 
 // The shared 80-byte buffer keeps whole double-byte characters (93 FA) only.
 TEST_F(AnsiCodePage932, NarrowWordsKeepWholeCharacters) {
