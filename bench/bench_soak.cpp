@@ -48,8 +48,9 @@ bool soak(const char* what, const std::function<void()>& call) {
   const SIZE_T end = private_bytes();
   const long long growth = static_cast<long long>(end) - static_cast<long long>(start);
   const bool flat = growth < static_cast<long long>(kFlatBytes);
-  std::printf("  %-44s %9zu KiB %9zu KiB %+8lld KiB  %5.1f s  %s\n", what, start / 1024, end / 1024, growth / 1024,
-              seconds, flat ? "flat" : "GROWS");
+  std::printf("  %-44s %9llu KiB %9llu KiB %+8lld KiB  %5.1f s  %s\n", what,
+              static_cast<unsigned long long>(start / 1024), static_cast<unsigned long long>(end / 1024),
+              growth / 1024, seconds, flat ? "flat" : "GROWS");
   std::fflush(stdout);
   return flat;
 }

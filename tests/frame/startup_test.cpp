@@ -10,6 +10,7 @@
 #include <regex>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include "common/paths.h"
 #include "common/registry_sandbox.h"
@@ -174,24 +175,19 @@ TEST_F(Startup, ReloadPublishesTheModeWordAndClassWordWhole) {
     std::atomic<long> torn_modes{0};
     std::atomic<long> torn_words{0};
   } reader{get_mode, type_word, expected};
-  const auto read_loop = [](void* context) -> DWORD {
-    auto& r = *static_cast<Reader*>(context);
-    while (!r.stop.load()) {
-      if (r.mode(kAllBits) != r.expected) ++r.torn_modes;
-      if (std::wcscmp(r.word(3), L"Document") != 0) ++r.torn_words;
-      ++r.reads;
+  std::thread thread([&reader] {
+    while (!reader.stop.load()) {
+      if (reader.mode(kAllBits) != reader.expected) ++reader.torn_modes;
+      if (std::wcscmp(reader.word(3), L"Document") != 0) ++reader.torn_words;
+      ++reader.reads;
     }
-    return 0;
-  };
-  HANDLE thread = CreateThread(nullptr, 0, read_loop, &reader, 0, nullptr);
-  ASSERT_NE(thread, nullptr);
-  while (reader.reads.load() == 0) Sleep(0);
+  });
+  while (reader.reads.load() == 0) std::this_thread::yield();
   const long before = reader.reads.load();
   for (int i = 0; i < 200; ++i) get_mode(0x00100000);
   const long during = reader.reads.load() - before;
   reader.stop = true;
-  WaitForSingleObject(thread, INFINITE);
-  CloseHandle(thread);
+  thread.join();
   EXPECT_GT(during, 0) << "the reader never ran while the settings were read";
   EXPECT_EQ(reader.torn_modes.load(), 0) << "of " << reader.reads.load() << " reads";
   EXPECT_EQ(reader.torn_words.load(), 0) << "of " << reader.reads.load() << " reads";
