@@ -313,6 +313,17 @@ const ZoneCase kZoneCases[] = {
     {L"America/New_York", make_time(2024, 11, 3, 5, 59, 59), make_time(2024, 11, 3, 1, 59, 59, 0), false},
     {L"America/New_York", make_time(2024, 11, 3, 6), make_time(2024, 11, 3, 1, 0, 0, 0), false},
     {L"America/New_York", make_time(2024, 11, 3, 7), make_time(2024, 11, 3, 2, 0, 0, 0), true},
+    // Each year by its own rules: in 2006 daylight saving ran from 2 April
+    // to 29 October. Wine 8's zone data has such per-year rules for New
+    // York from 2006 on only (earlier years get today's rules), and none
+    // for Berlin (whose rules last changed in 1996), so no earlier year is
+    // checked.
+    {L"America/New_York", make_time(2006, 3, 26, 0, 59), make_time(2006, 3, 25, 19, 59, 0, 6), true},
+    {L"America/New_York", make_time(2006, 4, 2, 6, 59, 59), make_time(2006, 4, 2, 1, 59, 59, 0), true},
+    {L"America/New_York", make_time(2006, 4, 2, 7), make_time(2006, 4, 2, 3, 0, 0, 0), true},
+    {L"America/New_York", make_time(2006, 10, 29, 5, 59, 59), make_time(2006, 10, 29, 1, 59, 59, 0), false},
+    {L"America/New_York", make_time(2006, 10, 29, 6), make_time(2006, 10, 29, 1, 0, 0, 0), false},
+    {L"America/New_York", make_time(2006, 11, 4, 12), make_time(2006, 11, 4, 7, 0, 0, 6), true},
 };
 
 class LocalTimeZone : public ::testing::Test {
