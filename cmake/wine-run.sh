@@ -17,7 +17,7 @@ shift
 export WINEPREFIX="$prefix"
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="mscoree,mshtml="
-export LANG="${MVSUP_TEST_LANG:-en_US.UTF-8}"
+export LANG=en_US.UTF-8
 export TZ="${TZ:-UTC}"
 # A run may ask for another locale, and with it another ANSI code page (Wine
 # takes it from LC_ALL when a process starts; the Unix locale need not be
