@@ -40,11 +40,17 @@ function(mvsup_test_program subsystem)
     target_link_libraries(${target} PRIVATE MvSup2u_client)
     add_dependencies(${target} SDKSatellite_0407)
   endif()
+  # A subsystem may name a ctest fixture that prepares what its tests need
+  # outside Wine (MVSUP_TEST_FIXTURES_<subsystem>).
+  set(fixtures)
+  if(DEFINED MVSUP_TEST_FIXTURES_${subsystem})
+    set(fixtures FIXTURES_REQUIRED ${MVSUP_TEST_FIXTURES_${subsystem}})
+  endif()
   gtest_discover_tests(${target}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 120
     TEST_PREFIX "${subsystem}."
-    PROPERTIES LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix)
+    PROPERTIES LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix ${fixtures})
   add_test(NAME ${subsystem}.lists_tests
            COMMAND ${CMAKE_SOURCE_DIR}/cmake/check-lists-tests.sh ${CMAKE_CROSSCOMPILING_EMULATOR}
                    $<TARGET_FILE:${target}>)
@@ -55,6 +61,8 @@ endfunction()
 # the tracer's rules below the exports are tested on its objects.
 set(MVSUP_DYNAMIC_TEST_PROGRAMS frame)
 set(MVSUP_INTERNAL_TEST_PROGRAMS tracer)
+
+include(${CMAKE_SOURCE_DIR}/cmake/StorageTesting.cmake)
 
 file(GLOB test_dirs LIST_DIRECTORIES true ${CMAKE_SOURCE_DIR}/tests/*)
 foreach(dir IN LISTS test_dirs)
@@ -89,6 +97,20 @@ if(TARGET test_time)
                          PASS_REGULAR_EXPRESSION "\\[  PASSED  \\] [1-9]"
                          FAIL_REGULAR_EXPRESSION "\\[  (FAILED|SKIPPED) \\]")
   endforeach()
+endif()
+
+# The every-export test calls each name of the .def through its declaration.
+if(TARGET test_exports)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${MVSUP_DEF})
+  file(STRINGS ${MVSUP_DEF} def_lines REGEX "^[ \t]+[A-Za-z_]")
+  set(export_list "")
+  foreach(line IN LISTS def_lines)
+    string(STRIP "${line}" name)
+    string(REGEX REPLACE "[ \t@].*" "" name "${name}")
+    string(APPEND export_list "MVSUP_EXPORT(${name})\n")
+  endforeach()
+  file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/generated/export_list.inc CONTENT "${export_list}")
+  target_include_directories(test_exports PRIVATE ${CMAKE_BINARY_DIR}/generated)
 endif()
 
 if(EXISTS ${CMAKE_SOURCE_DIR}/tests/fixtures/CMakeLists.txt)

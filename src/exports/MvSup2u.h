@@ -12,5 +12,7 @@
 #include "MvSupItemInfo.h"
 #include "MvSupProperties.h"
 #include "MvSupTime.h"
+#include "MvSupFiles.h"
+#include "MvSupContent.h"
 
 #endif /* MVSUP2U_H */
