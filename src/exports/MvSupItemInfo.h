@@ -118,11 +118,20 @@ void WINAPI MvxDeleteAllAttributes(HMVXINFO info, HMVXPROP property);
 /* ---- Values of an attribute --------------------------------------------- */
 
 int WINAPI MvxGetAttributeValuesCount(HMVXINFO info, HMVXATTR attribute);
-/* The value at index (zero-based). An index outside 0..count-1 throws
-   std::out_of_range("invalid vector<T> subscript") - the one exception of
-   this interface, catchable by C++ callers built with the same toolchain.
-   32-bit builds return null instead: there an exception cannot unwind out of
-   the library into the caller and would end the process. */
+/* The value at index (zero-based); null for a null item info or attribute.
+   An index outside 0..count-1 raises std::out_of_range with what() "invalid
+   vector<T> subscript" - the one exception of this interface - as a C++
+   exception of Microsoft's runtime (code 0xE06D7363): a caller built with
+   Microsoft's compiler catches it as std::out_of_range, std::logic_error or
+   std::exception (by reference or by value) or with catch (...), on 32-bit
+   and 64-bit builds alike. The object refers to a static text; the catching
+   runtime destroys it. It carries no run-time type information: typeid and
+   dynamic_cast on the caught object are not supported.
+   A caller built with MinGW's g++ cannot catch it with any C++ clause, not
+   even catch (...): to its runtime it is a foreign structured exception, and
+   unless the caller handles that itself (a vectored or unhandled-exception
+   handler) the process ends. Such callers check the index against
+   MvxGetAttributeValuesCount first. */
 PMVXVALUE WINAPI MvxGetAttributeValue(HMVXINFO info, HMVXATTR attribute, int index);
 HMVXPOS WINAPI MvxGetHeadAttributeValue(HMVXINFO info, HMVXATTR attribute);
 /* As MvxGetNextAttribute, for the value position. */
