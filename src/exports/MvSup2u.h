@@ -12,5 +12,6 @@
 #include "MvSupItemInfo.h"
 #include "MvSupProperties.h"
 #include "MvSupTime.h"
+#include "MvSupShell.h"
 
 #endif /* MVSUP2U_H */

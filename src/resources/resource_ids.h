@@ -37,4 +37,9 @@
 #define IDS_CUSTOMTYPES_NOT_REPAIRED 5121
 #define IDS_CUSTOMTYPES_REPAIRED     5122
 
+/* Shell integration: messages drawn or shown by the picture and IPC code. */
+#define IDS_PICTURE_OPEN_FAILED      4933
+#define IDS_PICTURE_READ_FAILED      4934
+#define IDS_IPC_FAILED               4938
+
 #endif /* MVSUP_RESOURCE_IDS_H */
