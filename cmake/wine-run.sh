@@ -1,17 +1,22 @@
 #!/bin/sh
 # Runs a Windows program under Wine in the build tree's private prefix.
-#   wine-run.sh <prefix-dir> <program.exe> [args...]
-# The environment is pinned: no debug output, no Mono/Gecko prompts, UTC
-# unless the caller chose a zone, English locale (ANSI code page 1252).
-# When no wineserver serves the prefix yet, a persistent one is started and
-# the prefix booted with its output detached: Wine's background services
-# would otherwise inherit the caller's pipes and keep ctest waiting.
+#   wine-run.sh [--wine-dir DIR] <prefix-dir> <program.exe> [args...]
+# --wine-dir puts a private Wine (the 32-bit one of wine32-setup.sh) first
+# on PATH. The environment is pinned: no debug output, no Mono/Gecko
+# prompts, UTC unless the caller chose a zone, English locale (ANSI code
+# page 1252). When no wineserver serves the prefix yet, a persistent one is
+# started and the prefix booted with its output detached: Wine's background
+# services would otherwise inherit the caller's pipes and keep ctest waiting.
+if [ "$1" = "--wine-dir" ]; then
+  [ -n "$2" ] && PATH="$2:$PATH" && export PATH
+  shift 2
+fi
 prefix=$1
 shift
 export WINEPREFIX="$prefix"
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="mscoree,mshtml="
-export LANG=en_US.UTF-8
+export LANG="${MVSUP_TEST_LANG:-en_US.UTF-8}"
 export TZ="${TZ:-UTC}"
 
 server_running() {
@@ -29,7 +34,7 @@ if ! server_running; then
     flock 9
     if ! server_running; then
       wineserver -p </dev/null >/dev/null 2>&1
-      wineboot </dev/null >/dev/null 2>&1
+      wine wineboot </dev/null >/dev/null 2>&1
       # A program that crashes must fail at once, not wait at a dialog.
       wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f </dev/null >/dev/null 2>&1
     fi

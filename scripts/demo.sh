@@ -9,7 +9,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 . "$root/scripts/wine-env.sh"
 
 build="$root/build/x86_64"
-cmake -S "$root" -B "$build" -G Ninja -Wno-dev \
+cmake -S "$root" -B "$build" -G Ninja -Wno-dev --no-warn-unused-cli \
   -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchain-x86_64-w64-mingw32.cmake" >/dev/null
 cmake --build "$build" --target MvSup2u SDKSatellite_0407 mvsup >/dev/null
 

@@ -1,7 +1,10 @@
 #!/bin/sh
 # Installs what the build and the tests need, from Debian's packages, when it
 # is missing. Safe to run again: it does nothing when all is there.
+#   setup.sh [--wine32]   --wine32 also sets up the private 32-bit Wine that
+#                         runs the i686 tests (build/wine32, wine32-setup.sh)
 set -eu
+root=$(cd "$(dirname "$0")/.." && pwd)
 
 packages="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools binutils-mingw-w64-x86-64
 binutils-mingw-w64-i686 cmake ninja-build googletest wine wine64 xvfb xauth"
@@ -25,4 +28,8 @@ if [ -n "$missing" ]; then
   $sudo apt-get update -qq
   # shellcheck disable=SC2086
   $sudo apt-get install -y -qq --no-install-recommends $missing >/dev/null
+fi
+
+if [ "${1:-}" = "--wine32" ]; then
+  "$root/scripts/wine32-setup.sh" "$root/build/wine32"
 fi
