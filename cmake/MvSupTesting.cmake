@@ -40,11 +40,17 @@ function(mvsup_test_program subsystem)
     target_link_libraries(${target} PRIVATE MvSup2u_client)
     add_dependencies(${target} SDKSatellite_0407)
   endif()
+  # A subsystem may name a ctest fixture that prepares what its tests need
+  # outside Wine (MVSUP_TEST_FIXTURES_<subsystem>).
+  set(fixtures)
+  if(DEFINED MVSUP_TEST_FIXTURES_${subsystem})
+    set(fixtures FIXTURES_REQUIRED ${MVSUP_TEST_FIXTURES_${subsystem}})
+  endif()
   gtest_discover_tests(${target}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 120
     TEST_PREFIX "${subsystem}."
-    PROPERTIES LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix)
+    PROPERTIES LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix ${fixtures})
   add_test(NAME ${subsystem}.lists_tests
            COMMAND ${CMAKE_SOURCE_DIR}/cmake/check-lists-tests.sh ${CMAKE_CROSSCOMPILING_EMULATOR}
                    $<TARGET_FILE:${target}>)
@@ -55,6 +61,8 @@ endfunction()
 # the tracer's rules below the exports are tested on its objects.
 set(MVSUP_DYNAMIC_TEST_PROGRAMS frame)
 set(MVSUP_INTERNAL_TEST_PROGRAMS tracer)
+
+include(${CMAKE_SOURCE_DIR}/cmake/StorageTesting.cmake)
 
 file(GLOB test_dirs LIST_DIRECTORIES true ${CMAKE_SOURCE_DIR}/tests/*)
 foreach(dir IN LISTS test_dirs)

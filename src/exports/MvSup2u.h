@@ -12,6 +12,7 @@
 #include "MvSupItemInfo.h"
 #include "MvSupProperties.h"
 #include "MvSupTime.h"
+#include "MvSupFiles.h"
 #include "MvSupShell.h"
 
 #endif /* MVSUP2U_H */

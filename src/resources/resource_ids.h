@@ -37,6 +37,13 @@
 #define IDS_CUSTOMTYPES_NOT_REPAIRED 5121
 #define IDS_CUSTOMTYPES_REPAIRED     5122
 
+/* Messages of the path check before a directory clean-up removes anything. */
+#define IDS_CLEANUP_NO_CURRENT_DIR   4928
+#define IDS_CLEANUP_DOUBLE_SLASH     4929
+#define IDS_CLEANUP_TOO_SHORT        4930
+#define IDS_CLEANUP_TOO_LONG         4931
+#define IDS_CLEANUP_NOT_UNDER_BASE   4932
+
 /* Shell integration: messages drawn or shown by the picture and IPC code. */
 #define IDS_PICTURE_OPEN_FAILED      4933
 #define IDS_PICTURE_READ_FAILED      4934
