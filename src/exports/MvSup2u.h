@@ -13,6 +13,7 @@
 #include "MvSupProperties.h"
 #include "MvSupTime.h"
 #include "MvSupFiles.h"
+#include "MvSupContent.h"
 #include "MvSupShell.h"
 
 #endif /* MVSUP2U_H */

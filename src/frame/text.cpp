@@ -26,14 +26,25 @@ size_t copy_truncated(char* buffer, size_t capacity, std::string_view source) no
   return copy_truncated_impl(buffer, capacity, source);
 }
 
-bool copy_whole(wchar_t* buffer, size_t capacity, std::wstring_view source) noexcept {
+namespace {
+template <typename Char>
+bool copy_whole_impl(Char* buffer, size_t capacity, std::basic_string_view<Char> source) noexcept {
   if (buffer == nullptr || capacity == 0) return false;
   if (source.size() >= capacity) {
-    buffer[0] = L'\0';
+    buffer[0] = Char{};
     return false;
   }
-  copy_truncated(buffer, capacity, source);
+  copy_truncated_impl(buffer, capacity, source);
   return true;
+}
+}  // namespace
+
+bool copy_whole(wchar_t* buffer, size_t capacity, std::wstring_view source) noexcept {
+  return copy_whole_impl(buffer, capacity, source);
+}
+
+bool copy_whole(char* buffer, size_t capacity, std::string_view source) noexcept {
+  return copy_whole_impl(buffer, capacity, source);
 }
 
 void clear_prefix(wchar_t* buffer, size_t capacity, size_t count) noexcept {

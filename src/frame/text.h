@@ -19,6 +19,7 @@ size_t copy_truncated(char* buffer, size_t capacity, std::string_view source) no
 // Copies source with its terminator only when all of it fits; otherwise
 // empties the buffer (when it has room for that) and returns false.
 bool copy_whole(wchar_t* buffer, size_t capacity, std::wstring_view source) noexcept;
+bool copy_whole(char* buffer, size_t capacity, std::string_view source) noexcept;
 
 // Clears the first min(count, capacity) characters of a caller's buffer.
 void clear_prefix(wchar_t* buffer, size_t capacity, size_t count) noexcept;

@@ -43,6 +43,10 @@
 #define IDS_CLEANUP_TOO_SHORT        4930
 #define IDS_CLEANUP_TOO_LONG         4931
 #define IDS_CLEANUP_NOT_UNDER_BASE   4932
+/* Format names of files without a table entry. */
+#define IDS_FORMAT_ALL_FILES         4935
+#define IDS_FORMAT_EXECUTABLE        4936
+#define IDS_FORMAT_SYSTEM_EXTENSION  4937
 
 /* Shell integration: messages drawn or shown by the picture and IPC code. */
 #define IDS_PICTURE_OPEN_FAILED      4933

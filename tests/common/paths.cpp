@@ -2,6 +2,8 @@
 
 #include <windows.h>
 #include <shellapi.h>
+#include <process.h>
+#include <stdlib.h>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +14,16 @@ std::wstring exe_directory() {
   GetModuleFileNameW(nullptr, path, MAX_PATH);
   std::wstring directory(path);
   return directory.substr(0, directory.rfind(L'\\'));
+}
+
+intptr_t run_self_as_child(const wchar_t* variable) {
+  wchar_t exe[MAX_PATH] = {};
+  GetModuleFileNameW(nullptr, exe, MAX_PATH);
+  // The C runtime's environment is the one a spawned child inherits.
+  _wputenv_s(variable, L"1");
+  const intptr_t code = _wspawnl(_P_WAIT, exe, exe, L"--gtest_filter=-*", nullptr);
+  _wputenv_s(variable, L"");
+  return code;
 }
 
 TempDirectory::TempDirectory() {

@@ -22,9 +22,25 @@ class RegistrySnapshot {
   RegistrySnapshot& operator=(const RegistrySnapshot&) = delete;
 
  private:
+  friend class SavedKey;
   struct Tree;
   std::unique_ptr<Tree> user_;
   std::unique_ptr<Tree> machine_;
+};
+
+// Saves one key with its whole tree and removes it; puts it back as it was
+// (or leaves it absent) on destruction.
+class SavedKey {
+ public:
+  SavedKey(HKEY root, std::wstring path);
+  ~SavedKey();
+  SavedKey(const SavedKey&) = delete;
+  SavedKey& operator=(const SavedKey&) = delete;
+
+ private:
+  HKEY root_;
+  std::wstring path_;
+  std::unique_ptr<RegistrySnapshot::Tree> tree_;
 };
 
 class RegistrySandbox : public ::testing::Test {

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <process.h>
 #include <stdlib.h>
 
 #include <cstring>
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "MvSup2u.h"
+#include "common/paths.h"
 #include "common/registry_sandbox.h"
 #include "common/trace_log.h"
 #include "time_values.h"
@@ -398,20 +398,10 @@ TEST(LocalTime, ImpossibleInputsAreRefusedWithClearedOutputs) {
 
 class LocalTimeTrace : public RegistrySandbox {};
 
-// The filter runs no test should the child mode not take over.
-intptr_t run_trace_child() {
-  wchar_t exe[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, exe, MAX_PATH);
-  _wputenv_s(kTraceChildVariable, L"1");
-  const intptr_t code = _wspawnl(_P_WAIT, exe, exe, L"--gtest_filter=-*", nullptr);
-  _wputenv_s(kTraceChildVariable, L"");
-  return code;
-}
-
 TEST_F(LocalTimeTrace, ConversionsWriteBothTimesAndTheBias) {
   if (current_tz() != L"UTC") GTEST_SKIP() << "expected lines are for TZ=UTC";
   const TraceLogFolder logs(0x00010002);  // active, level 2
-  ASSERT_EQ(run_trace_child(), 0);
+  ASSERT_EQ(run_self_as_child(kTraceChildVariable), 0);
   const std::string log = logs.read_all();
   EXPECT_NE(log.find("GmtToLocalTime"), std::string::npos) << log;
   EXPECT_NE(log.find("LocalTimeToGmt"), std::string::npos) << log;
