@@ -11,6 +11,7 @@
 #include "MvSup2u.h"
 #include "command.h"
 #include "output.h"
+#include "icon_window.h"
 #include "png_writer.h"
 #include "shell/icon_tables.h"
 
@@ -141,6 +142,64 @@ int write_sheet(const std::wstring& path) {
   return 0;
 }
 
+// A 256-colour bitmap file for the window's PutBitmap: a banner with the
+// client's emblem, in a 6x6x6 colour cube.
+std::wstring write_banner() {
+  constexpr int kWidth = 300, kHeight = 56;
+  PixelCanvas canvas(kWidth, kHeight, 0xFFFFFFFF);
+  if (canvas.pixels() == nullptr) return {};
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x)
+      canvas.pixels()[y * kWidth + x] = 0xFF000000u | (uint32_t(0x1D + x / 6) << 16) | (uint32_t(0x4F + x / 4) << 8) |
+                                        uint32_t(0x8F + x / 5);
+  if (HICON emblem = load_image(icons::kFirstIconId, 32, 32)) {
+    DrawIconEx(canvas.dc(), 12, 12, emblem, 32, 32, 0, nullptr, DI_NORMAL);
+    DestroyIcon(emblem);
+  }
+  LOGFONTW font = {};
+  font.lfHeight = -22;
+  font.lfWeight = FW_BOLD;
+  wcscpy_s(font.lfFaceName, L"Tahoma");
+  HFONT big = CreateFontIndirectW(&font);
+  HGDIOBJ previous = SelectObject(canvas.dc(), big);
+  SetBkMode(canvas.dc(), TRANSPARENT);
+  SetTextColor(canvas.dc(), RGB(255, 255, 255));
+  draw_text(canvas.dc(), 56, 14, L"Mervane Client");
+  SelectObject(canvas.dc(), previous);
+  DeleteObject(big);
+  GdiFlush();
+
+  constexpr int kColours = 216;
+  constexpr DWORD kPixelOffset = 14 + 40 + kColours * 4;
+  const int stride = (kWidth + 3) & ~3;
+  std::vector<BYTE> file(kPixelOffset + static_cast<size_t>(stride) * kHeight, 0);
+  BITMAPFILEHEADER header = {0x4D42, static_cast<DWORD>(file.size()), 0, 0, kPixelOffset};
+  BITMAPINFOHEADER info = {40, kWidth, kHeight, 1, 8, BI_RGB, 0, 2835, 2835, kColours, 0};
+  std::memcpy(file.data(), &header, 14);
+  std::memcpy(file.data() + 14, &info, 40);
+  for (int i = 0; i < kColours; ++i) {
+    const BYTE entry[4] = {BYTE(i % 6 * 51), BYTE(i / 6 % 6 * 51), BYTE(i / 36 * 51), 0};
+    std::memcpy(file.data() + 54 + i * 4, entry, 4);
+  }
+  BYTE* rows = file.data() + kPixelOffset;
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x) {
+      const uint32_t p = canvas.pixels()[y * kWidth + x];
+      const auto level = [](uint32_t v) { return (v + 25) / 51; };
+      rows[(kHeight - 1 - y) * stride + x] =
+          BYTE(level(p & 0xFF) + 6 * level((p >> 8) & 0xFF) + 36 * level((p >> 16) & 0xFF));
+    }
+  wchar_t temp[MAX_PATH] = {};
+  GetTempPathW(MAX_PATH, temp);
+  const std::wstring path = std::wstring(temp) + L"mvsup-banner.bmp";
+  HANDLE out = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  if (out == INVALID_HANDLE_VALUE) return {};
+  DWORD written = 0;
+  WriteFile(out, file.data(), static_cast<DWORD>(file.size()), &written, nullptr);
+  CloseHandle(out);
+  return path;
+}
+
 std::wstring images_text(const std::vector<Image>& images) {
   std::wstring out;
   for (const Image& image : images)
@@ -152,8 +211,17 @@ std::wstring images_text(const std::vector<Image>& images) {
 int run_icons(Args& args) {
   const bool as_json = args.take_flag(L"--json");
   const std::optional<std::wstring> sheet = args.take_option(L"--sheet");
+  const bool window = args.take_flag(L"--window");
+  std::optional<std::wstring> bitmap = args.take_option(L"--bitmap");
   if (std::wstring error = args.unknown_option(); !error.empty()) return fail(error);
   if (!args.rest().empty()) return fail(L"unexpected argument " + args.rest().front());
+  if (window) {
+    if (!bitmap) bitmap = write_banner();
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const int result = show_icon_window(*bitmap);
+    CoUninitialize();
+    return result == 0 ? 0 : fail(L"cannot show the window");
+  }
   if (sheet) {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const int result = write_sheet(*sheet);
@@ -182,12 +250,16 @@ int run_icons(Args& args) {
 const CommandRegistration kIcons{{
     L"icons",
     L"the library's icons and the tables that use them; a contact sheet",
-    L"Usage: mvsup icons [--json] [--sheet OUT.png]\n\n"
+    L"Usage: mvsup icons [--json] [--sheet OUT.png] [--window [--bitmap FILE.bmp]]\n\n"
     L"Lists every icon resource of MvSup2u.dll (5001-5110) with its images\n"
     L"(size x size x bits) and the entries of the item and server-map icon\n"
     L"tables that name it.\n\n"
     L"  --sheet OUT.png  draw every icon, both sizes, in 32-bit and in 256\n"
     L"                   colours, with its id, into a PNG file\n"
+    L"  --window         show a window with every item, mail and server-map icon\n"
+    L"                   as LoadMvxItemIcon and LoadServerMapIcon give them, and a\n"
+    L"                   256-colour bitmap drawn by PutBitmap (FILE.bmp, or a\n"
+    L"                   banner written to %TEMP%); returns when it is closed\n"
     L"  --json           the list as a JSON array of {id, images, used_by}\n",
     run_icons,
 }};
