@@ -80,9 +80,13 @@ struct BitmapFile {
     const DWORD table = static_cast<DWORD>(colours.size()) * 4;
     const DWORD offset = 14 + 40 + table;
     const DWORD size = offset + static_cast<DWORD>(stride * height);
-    std::vector<BYTE> out;
-    const auto put16 = [&](uint16_t v) { out.insert(out.end(), {BYTE(v), BYTE(v >> 8)}); };
-    const auto put32 = [&](uint32_t v) { out.insert(out.end(), {BYTE(v), BYTE(v >> 8), BYTE(v >> 16), BYTE(v >> 24)}); };
+    std::vector<BYTE> out(size, 0);
+    size_t at = 0;
+    const auto put = [&](uint32_t v, int bytes) {
+      for (int i = 0; i < bytes; ++i) out[at++] = BYTE(v >> (8 * i));
+    };
+    const auto put16 = [&](uint16_t v) { put(v, 2); };
+    const auto put32 = [&](uint32_t v) { put(v, 4); };
     put16(0x4D42);
     put32(size);
     put32(0);
@@ -98,9 +102,9 @@ struct BitmapFile {
     put32(2835);
     put32(colours_used);
     put32(0);
-    for (uint32_t c : colours) out.insert(out.end(), {BYTE(c), BYTE(c >> 8), BYTE(c >> 16), 0});
-    for (int y = height - 1; y >= 0; --y) {
-      std::vector<BYTE> row(static_cast<size_t>(stride), 0);
+    for (uint32_t c : colours) put(c & 0xFFFFFF, 4);  // blue, green, red, 0
+    for (int y = height - 1; y >= 0; --y, at += static_cast<size_t>(stride)) {
+      BYTE* row = out.data() + at;
       for (int x = 0; x < width; ++x) {
         const uint32_t v = value(x, y);
         if (bits == 24) {
@@ -113,7 +117,6 @@ struct BitmapFile {
           row[x / per_byte] |= static_cast<BYTE>(v << shift);
         }
       }
-      out.insert(out.end(), row.begin(), row.end());
     }
     return out;
   }
