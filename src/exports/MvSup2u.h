@@ -14,6 +14,9 @@
 #include "MvSupTime.h"
 #include "MvSupFiles.h"
 #include "MvSupContent.h"
+#include "MvSupDispatch.h"
+#include "MvSupStreams.h"
+#include "MvSupRichText.h"
 #include "MvSupShell.h"
 
 #endif /* MVSUP2U_H */

@@ -68,7 +68,8 @@ HRESULT WINAPI QuotedPrintable_EncodeA(LPCSTR chars, DWORD count, LPSTR* encoded
 /* ---- MD5 and HTTP digest authentication ---- */
 
 /* MD5 of length bytes into digest[16]. Always 0; nothing is written when
-   digest is null, and null data counts as empty only when length is 0. */
+   digest is null, and null data is hashed as the empty input whatever
+   length says (nothing is read). */
 HRESULT WINAPI MD5GetDigest(const void* data, DWORD length, BYTE* digest);
 
 /* One digest-authentication request. The nine text fields point to the

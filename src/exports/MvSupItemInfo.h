@@ -64,13 +64,15 @@ HRESULT WINAPI MvxCreateItemInfo(BYTE** itemInfo);
 HRESULT WINAPI MvxCopyItemInfo(const BYTE* itemInfo, BYTE** copy);
 /* GlobalFree(itemInfo), whose result it returns (null on success). */
 HGLOBAL WINAPI FreeMvxInfo(BYTE* itemInfo);
-/* Opens itemInfo (null: an empty item info) for editing. The block is not
-   copied: values are read in place, and the in-place replacements change it
-   at once. The caller keeps it alive until MvxClose, or until a commit has
-   moved the open item info onto another block. Returns null when memory
-   runs out or when the block does not hold together: every count, offset
-   and length is checked against the size field (a size field below 40 is
-   refused), and the size field must not exceed the block's real size. */
+/* Opens itemInfo (null, or a block whose size field is 40 or less: an empty
+   item info) for editing. The block is not copied: values are read in
+   place, and the in-place replacements change it at once. The caller keeps
+   it alive until MvxClose, or until a commit has moved the open item info
+   onto another block. Returns null when memory runs out or when the block
+   does not hold together: every count, offset and length is checked
+   against the size field, and no two bodies may overlap (they may lie in
+   any order); the size field must not exceed the block's real size.
+   Nothing past the size field is read. */
 HMVXINFO WINAPI MvxOpen(BYTE* itemInfo);
 /* Destroys the open item info and frees the value blocks that lie outside
    its current block; never frees the block itself. An item info opened over

@@ -84,10 +84,11 @@ HRESULT WINAPI TimetFromGMTDateA(LPCSTR text, __time64_t* time, LONG* zoneSecond
 
 /* ---- Modification dates (HTTP dates) ---- */
 
-/* The HTTP date of systemTime taken as UTC, with the zone "GMT"; "" for a
-   null pointer, an impossible date, or a time TimetToGMTDate cannot write
-   (before 1970, after 3001-01-01 07:59:59). Milliseconds are dropped.
-   Shared static buffer. */
+/* The HTTP date of systemTime taken as UTC, with the zone "GMT", for every
+   date that SystemTimeFromMVModifiedDate reads (years 1601 to 30827): the
+   day name is computed from the date, milliseconds are dropped. "" for a
+   null pointer or an impossible date. Shared static buffer; not for
+   concurrent callers. */
 LPCWSTR WINAPI MVModifiedDateFromSystemTime(const SYSTEMTIME* systemTime);
 
 /* Reads a modification date with TimetFromGMTDate. On success *systemTime
@@ -100,8 +101,9 @@ int WINAPI SystemTimeFromMVModifiedDate(LPCWSTR text, SYSTEMTIME* systemTime);
 /* The same for ANSI text. */
 int WINAPI SystemTimeFromMVModifiedDateA(LPCSTR text, SYSTEMTIME* systemTime);
 
-/* ---- UTC and local time (the time zone of the system, with its current
-   daylight-saving rules applied to every year) ---- */
+/* ---- UTC and local time (the time zone of the system, each year with the
+   daylight-saving rules it had where the system keeps rules per year, else
+   with the current rules) ---- */
 
 /* UTC to local time. Writes trace lines (level 2) with both times and the
    bias in minutes (UTC = local + bias). */

@@ -16,16 +16,6 @@ std::wstring exe_directory() {
   return directory.substr(0, directory.rfind(L'\\'));
 }
 
-intptr_t run_self_as_child(const wchar_t* variable) {
-  wchar_t exe[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, exe, MAX_PATH);
-  // The C runtime's environment is the one a spawned child inherits.
-  _wputenv_s(variable, L"1");
-  const intptr_t code = _wspawnl(_P_WAIT, exe, exe, L"--gtest_filter=-*", nullptr);
-  _wputenv_s(variable, L"");
-  return code;
-}
-
 TempDirectory::TempDirectory() {
   wchar_t base[MAX_PATH] = {};
   GetTempPathW(MAX_PATH, base);

@@ -10,10 +10,6 @@ namespace mvsup::test {
 // a trailing backslash.
 std::wstring exe_directory();
 
-// Runs this test program once more, with `variable` set to "1" in its
-// environment, and returns its exit code. The child runs no test should its
-// child mode (a check of the variable before main) not take over.
-intptr_t run_self_as_child(const wchar_t* variable);
 
 // A fresh, empty temporary directory removed with everything in it when the
 // object goes out of scope.

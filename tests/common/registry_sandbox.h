@@ -52,6 +52,18 @@ class RegistrySandbox : public ::testing::Test {
   std::unique_ptr<RegistrySnapshot> snapshot_;
 };
 
+// A sandbox for tests that mean something under one ANSI code page only: a
+// run of their own sets that code page (cmake/MvSupTesting.cmake); under
+// any other they skip.
+template <UINT CodePage>
+class CodePageSandbox : public RegistrySandbox {
+ protected:
+  void SetUp() override {
+    if (GetACP() != CodePage) GTEST_SKIP() << "ANSI code page " << GetACP() << ", not " << CodePage;
+    RegistrySandbox::SetUp();
+  }
+};
+
 // Raw registry access for preparing and checking state, independent of the
 // library under test.
 inline constexpr const wchar_t* kClientKey = L"Software\\Corvell\\Mervane Client";

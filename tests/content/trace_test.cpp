@@ -5,7 +5,7 @@
 #include <regex>
 #include <string>
 
-#include "common/paths.h"
+#include "common/child_process.h"
 #include "common/registry_sandbox.h"
 #include "common/trace_log.h"
 #include "content_support.h"
@@ -16,8 +16,7 @@ namespace {
 constexpr const wchar_t* kChildVariable = L"MVSUP_CONTENT_TRACE_CHILD";
 
 [[maybe_unused]] const bool kRanAsChild = [] {
-  wchar_t flag[8];
-  if (GetEnvironmentVariableW(kChildVariable, flag, 8) == 0) return false;
+  if (!is_child_process(kChildVariable)) return false;
   wchar_t buffer[64];
   const bool ok = GetMimeTypeFromFileName(L"a.xls", buffer, 64) == 20 &&
                   GetFileExtFromMimeType2(L"", buffer, 64) == E_INVALIDARG &&
@@ -32,7 +31,7 @@ class ContentTrace : public RegistrySandbox {};
 TEST_F(ContentTrace, RegistryReadersWriteTheirScopesAndResults) {
   SavedKey database(HKEY_LOCAL_MACHINE, kDatabaseMachinePath);
   TraceLogFolder log(0x10001);  // active, level 1
-  ASSERT_EQ(run_self_as_child(kChildVariable), 0);
+  ASSERT_EQ(run_child_process(kChildVariable), 0);
   const std::string text = log.read_all();
   const auto stop = [](const std::string& name, const std::string& results) {
     return std::regex("---- STOP " + name + R"( \[MVSUP2u\] @ [0-9:]+:\n )" + results + "\n");

@@ -482,7 +482,7 @@ TEST_F(DirCleanup, RefusalsAndRemovalsAreTraced) {
   make_dir(tree + L"\\gone");
   make_dir(tree + L"\\full");
   make_file(tree + L"\\full\\kept.txt");
-  ASSERT_EQ(run_child(kTraceChild, root_->path()), 0);
+  ASSERT_EQ(run_child_process(kTraceChild, root_->path()), 0);
   const std::string text = trace.read_all();
   const std::string upper_tree = upper(tree);
   // The first entry the walk meets in the canary is refused.

@@ -317,7 +317,7 @@ TEST_F(FileCreationLog, FourProcessesAppendingLeaveEveryRecordWhole) {
   HANDLE start = CreateEventW(nullptr, TRUE, FALSE, kStartEvent);
   std::vector<HANDLE> children;
   for (int i = 0; i < kAppenders; ++i) {
-    const intptr_t child = run_child(kAppendChild, std::to_wstring(i), false);
+    const intptr_t child = run_child_process(kAppendChild, std::to_wstring(i), false);
     ASSERT_NE(child, -1);
     children.push_back(reinterpret_cast<HANDLE>(child));
   }
@@ -352,7 +352,7 @@ TEST_F(FileCreationLog, DeletionsAreTraced) {
   const std::wstring directory = files_->path();
   make_file(L"gone.txt");
   make_file(L"kept.txt");
-  ASSERT_EQ(run_child(kTraceChild, directory), 0);
+  ASSERT_EQ(run_child_process(kTraceChild, directory), 0);
   std::string expected_dir(directory.begin(), directory.end());
   const std::string text = trace.read_all();
   EXPECT_NE(text.find("Deletion path: " + expected_dir + "\\gone.txt\nDeleted\n"), std::string::npos) << text;

@@ -41,22 +41,6 @@ void write_file(const std::wstring& path, std::string_view bytes) {
 
 bool exists(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
-intptr_t run_child(const wchar_t* variable, const std::wstring& value, bool wait) {
-  wchar_t exe[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, exe, MAX_PATH);
-  // The CRT's environment is the one a spawned child inherits.
-  _wputenv((std::wstring(variable) + L"=" + value).c_str());
-  const intptr_t result = _wspawnl(wait ? _P_WAIT : _P_NOWAIT, exe, L"child", L"--gtest_filter=-*", nullptr);
-  _wputenv((std::wstring(variable) + L"=").c_str());
-  return result;
-}
-
-std::wstring child_variable(const wchar_t* variable) {
-  wchar_t value[256] = {};
-  const DWORD n = GetEnvironmentVariableW(variable, value, 256);
-  return n > 0 && n < 256 ? std::wstring(value, n) : std::wstring();
-}
-
 void LogTest::SetUp() {
   RegistrySandbox::SetUp();
   SetMvSupMode(0, MVSUP_MODE_LITESDK | MVSUP_MODE_PRIVATELOGDIR);

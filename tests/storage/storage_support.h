@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/child_process.h"
 #include "common/registry_sandbox.h"
 
 namespace mvsup::test {
@@ -20,13 +21,6 @@ std::string read_file(const std::wstring& path);
 void write_file(const std::wstring& path, std::string_view bytes);
 bool exists(const std::wstring& path);
 
-// Runs this test program again with `variable`=`value` in its environment
-// and no test selected; returns its exit code. With `wait` false returns the
-// process handle (as intptr_t) instead.
-intptr_t run_child(const wchar_t* variable, const std::wstring& value, bool wait = true);
-
-// The value of the child variable in this process; empty when not a child.
-std::wstring child_variable(const wchar_t* variable);
 
 // Registry sandbox whose data directory (and so log directory) is
 // log_directory(), with no log in it.
