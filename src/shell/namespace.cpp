@@ -2,6 +2,8 @@
 // (on the desktop, or under My Computer when the extension is shown as a
 // drive), the server folders below it, and file-system folders reached by
 // walking the shell namespace by path.
+#include "shell/namespace.h"
+
 #include <shlwapi.h>
 
 #include <cstring>

@@ -15,7 +15,4 @@ UINT pidl_size(LPCITEMIDLIST pidl, UINT* count) noexcept;
 // Null when memory runs out.
 LPITEMIDLIST join_pidls(LPCITEMIDLIST first, LPCITEMIDLIST second) noexcept;
 
-// The namespace extension's root folder (GetMvNsxFolder without its checks).
-HRESULT find_nsx_folder(void** nsx_folder, wchar_t* display, LPITEMIDLIST* pidl) noexcept;
-
 }  // namespace mvsup::shell
