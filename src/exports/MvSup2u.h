@@ -17,5 +17,6 @@
 #include "MvSupDispatch.h"
 #include "MvSupStreams.h"
 #include "MvSupRichText.h"
+#include "MvSupShell.h"
 
 #endif /* MVSUP2U_H */

@@ -48,4 +48,9 @@
 #define IDS_FORMAT_EXECUTABLE        4936
 #define IDS_FORMAT_SYSTEM_EXTENSION  4937
 
+/* Shell integration: messages drawn or shown by the picture and IPC code. */
+#define IDS_PICTURE_OPEN_FAILED      4933
+#define IDS_PICTURE_READ_FAILED      4934
+#define IDS_IPC_FAILED               4938
+
 #endif /* MVSUP_RESOURCE_IDS_H */
