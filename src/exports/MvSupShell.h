@@ -127,10 +127,10 @@ HRESULT WINAPI GetServerMapIconIndex(short level, DWORD flags, const void* selec
 
 /** Loads the server-map icon pair for level and flags. The selection
     argument of GetServerMapIconIndex is large, so a non-null large always
-    gives a selected index (7-13). *large and *small (each optional) receive
+    gives a selected index (7-13). *largeIcon and *smallIcon (each optional) receive
     new icons that the caller destroys with DestroyIcon; *index (optional)
     the index. @return S_OK. */
-HRESULT WINAPI LoadServerMapIcon(short level, DWORD flags, HICON* large, HICON* small, UINT* index);
+HRESULT WINAPI LoadServerMapIcon(short level, DWORD flags, HICON* largeIcon, HICON* smallIcon, UINT* index);
 
 /** Icon index of a committed item info: a position in the item icon tables
     (0-69), or, for a document shown unselected, the image-list key of its
@@ -140,9 +140,9 @@ HRESULT WINAPI GetMvxItemIconIndex(const BYTE* item, BOOL selected, UINT* index)
 
 /** Loads the icon pair for the item's index: from the item tables, or, for
     a document key, the icons of its file type (LoadMvxFileIcon), falling
-    back to the document pair. *large, *small and *index are optional; icons
+    back to the document pair. *largeIcon, *smallIcon and *index are optional; icons
     are the caller's to destroy (DestroyIcon). @return S_OK. */
-HRESULT WINAPI LoadMvxItemIcon(const BYTE* item, BOOL selected, HICON* large, HICON* small, UINT* index);
+HRESULT WINAPI LoadMvxItemIcon(const BYTE* item, BOOL selected, HICON* largeIcon, HICON* smallIcon, UINT* index);
 
 /** The icon index of a document item's file type: 3 without an extension
     (from the file name "mervane_filename", else from the MIME type
@@ -155,14 +155,14 @@ HRESULT WINAPI GetMvxFileIconIndex(const BYTE* item, UINT* index);
 /** The icon pair of a document item's file type: the mail class pair for an
     ".htm" with a mail class, otherwise ExtractIconFor on its extension.
     @return 0 when icons were found, 1 otherwise (outputs then null). */
-int WINAPI LoadMvxFileIcon(const BYTE* item, HICON* large, HICON* small);
+int WINAPI LoadMvxFileIcon(const BYTE* item, HICON* largeIcon, HICON* smallIcon);
 
 /** The icons Windows shows for a file extension (".txt"): DefaultIcon of its
     file type, the type's icon handler for "%1", the shell's own icon, and the
     library's generic document icons for whatever is still missing.
     @return FALSE with both outputs null when the extension has no file type;
             TRUE otherwise with both icons set (the caller destroys them). */
-BOOL WINAPI ExtractIconFor(LPCWSTR extension, HICON* large, HICON* small);
+BOOL WINAPI ExtractIconFor(LPCWSTR extension, HICON* largeIcon, HICON* smallIcon);
 
 /** value * (vertical pixels per logical inch of the display) / 96, rounded
     as MulDiv rounds. The display's resolution is read once per process. */
