@@ -70,6 +70,6 @@ for arch in x86_64 i686; do
 done
 
 echo "== summary"
-printf "$summary"
+printf "%b" "$summary"
 if [ $status -eq 0 ]; then echo "== all tests passed on x86_64 and i686"; else echo "== TESTS FAILED"; fi
 exit $status
