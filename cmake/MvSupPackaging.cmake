@@ -185,6 +185,17 @@ add_test(NAME callers.declarations
                  --vba ${CMAKE_SOURCE_DIR}/bindings/vba/MvSup2u.bas
                  --csharp ${CMAKE_SOURCE_DIR}/bindings/dotnet/NativeMethods.cs)
 set_tests_properties(callers.declarations PROPERTIES LABELS host)
+# The .NET declarations compile (with C#'s own rules: keywords, attributes)
+# together with a file that uses them as the README does. The same for both
+# architectures: built once, with the 64-bit tests.
+if(NOT MVSUP_X86)
+  find_program(MVSUP_CSHARP_COMPILER mcs REQUIRED)
+  add_test(NAME callers.dotnet_compiles
+           COMMAND ${MVSUP_CSHARP_COMPILER} -warnaserror -out:${CMAKE_BINARY_DIR}/callers-dotnet.exe
+                   ${CMAKE_SOURCE_DIR}/bindings/dotnet/NativeMethods.cs
+                   ${CMAKE_SOURCE_DIR}/tests/callers/DeclarationsInUse.cs)
+  set_tests_properties(callers.dotnet_compiles PROPERTIES LABELS host)
+endif()
 
 # A consumer project built against the installed tree, by find_package and
 # by pkg-config, given nothing but the install prefix, then run.

@@ -8,7 +8,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 
 packages="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools binutils-mingw-w64-x86-64
 binutils-mingw-w64-i686 cmake ninja-build googletest wine wine64 xvfb xauth
-doxygen python3 pkgconf"
+doxygen python3 pkgconf mono-mcs"
 
 missing=""
 for package in $packages; do

@@ -281,15 +281,15 @@ namespace MvSup2u
         [DllImport(Library, CallingConvention = CallingConvention.StdCall, CharSet = CharSet.Unicode, ExactSpelling = true)]
         public static extern int ToHandle([MarshalAs(UnmanagedType.LPWStr)] string text, out ushort type, out int number, ref int version, [MarshalAs(UnmanagedType.Bool)] bool allowShort);
         [DllImport(Library, CallingConvention = CallingConvention.StdCall, CharSet = CharSet.Unicode, ExactSpelling = true)]
-        public static extern int GetMvxParentItemType(int type, int context1, int context2, int context3, [MarshalAs(UnmanagedType.IUnknown)] object object);
+        public static extern int GetMvxParentItemType(int type, int context1, int context2, int context3, [MarshalAs(UnmanagedType.IUnknown)] object item);
         [DllImport(Library, CallingConvention = CallingConvention.StdCall, CharSet = CharSet.Unicode, ExactSpelling = true)]
-        public static extern IntPtr GetMvxParentItemTypeAsStringTS([MarshalAs(UnmanagedType.LPWStr)] StringBuilder buffer, int capacity, int type, int x1, int x2, int x3, [MarshalAs(UnmanagedType.IUnknown)] object object);
+        public static extern IntPtr GetMvxParentItemTypeAsStringTS([MarshalAs(UnmanagedType.LPWStr)] StringBuilder buffer, int capacity, int type, int x1, int x2, int x3, [MarshalAs(UnmanagedType.IUnknown)] object item);
         [DllImport(Library, CallingConvention = CallingConvention.StdCall, CharSet = CharSet.Unicode, ExactSpelling = true)]
-        public static extern IntPtr GetMvxParentItemTypeAsString(int type, int x1, int x2, int x3, [MarshalAs(UnmanagedType.IUnknown)] object object);
+        public static extern IntPtr GetMvxParentItemTypeAsString(int type, int x1, int x2, int x3, [MarshalAs(UnmanagedType.IUnknown)] object item);
         [DllImport(Library, CallingConvention = CallingConvention.StdCall, CharSet = CharSet.Unicode, ExactSpelling = true)]
-        public static extern IntPtr GetMvxParentObjTypeAsStringTS([MarshalAs(UnmanagedType.LPWStr)] StringBuilder buffer, int capacity, int objType, int x1, int x2, int x3, [MarshalAs(UnmanagedType.IUnknown)] object object);
+        public static extern IntPtr GetMvxParentObjTypeAsStringTS([MarshalAs(UnmanagedType.LPWStr)] StringBuilder buffer, int capacity, int objType, int x1, int x2, int x3, [MarshalAs(UnmanagedType.IUnknown)] object item);
         [DllImport(Library, CallingConvention = CallingConvention.StdCall, CharSet = CharSet.Unicode, ExactSpelling = true)]
-        public static extern IntPtr GetMvxParentObjTypeAsString(int objType, int x1, int x2, int x3, [MarshalAs(UnmanagedType.IUnknown)] object object);
+        public static extern IntPtr GetMvxParentObjTypeAsString(int objType, int x1, int x2, int x3, [MarshalAs(UnmanagedType.IUnknown)] object item);
 
         // ---- Dates
         [DllImport(Library, CallingConvention = CallingConvention.StdCall, CharSet = CharSet.Unicode, ExactSpelling = true)]
