@@ -9,13 +9,21 @@ find_package(Python3 REQUIRED COMPONENTS Interpreter)
 # ---- Path-independent objects, debug information for the library -------------
 
 # Build and source paths never reach a shipped file: __FILE__ and the DWARF
-# paths are written relative to the source folder ("./src/...") and the build
-# folder ("." is also each unit's compilation folder). GCC tries the last
-# matching map first, so the build folder (often inside the source folder)
-# comes last; no trailing slash, or the compilation folder itself would not
-# match.
-target_compile_options(mvsup_build_flags INTERFACE
-  "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=." "-ffile-prefix-map=${CMAKE_BINARY_DIR}=.")
+# paths of the shipped targets are written relative to the source folder
+# ("./src/...") and the build folder ("." is also each unit's compilation
+# folder). GCC tries the last matching map first, so the build folder (often
+# inside the source folder) comes after the source folder; no trailing slash,
+# or the compilation folder itself would not match. ccache with a base
+# folder hands the compiler relative source paths ("../../src/..."): the
+# source folder as seen from the build folder is mapped too.
+file(RELATIVE_PATH mvsup_source_from_build ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR})
+string(REGEX REPLACE "/$" "" mvsup_source_from_build "${mvsup_source_from_build}")
+set(MVSUP_PATH_MAPS "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=." "-ffile-prefix-map=${CMAKE_BINARY_DIR}=.")
+if(mvsup_source_from_build AND NOT IS_ABSOLUTE "${mvsup_source_from_build}")
+  list(APPEND MVSUP_PATH_MAPS "-ffile-prefix-map=${mvsup_source_from_build}=.")
+endif()
+target_compile_options(mvsup_objects PRIVATE ${MVSUP_PATH_MAPS})
+target_compile_options(mvsup PRIVATE ${MVSUP_PATH_MAPS})
 # The library's objects carry DWARF; the shipped DLL is stripped and points
 # at the debug file with a debug link.
 target_compile_options(mvsup_objects PRIVATE -g)
