@@ -40,11 +40,17 @@ function(mvsup_test_program subsystem)
     target_link_libraries(${target} PRIVATE MvSup2u_client)
     add_dependencies(${target} SDKSatellite_0407)
   endif()
+  # A subsystem may name a ctest fixture that prepares what its tests need
+  # outside Wine (MVSUP_TEST_FIXTURES_<subsystem>).
+  set(fixtures)
+  if(DEFINED MVSUP_TEST_FIXTURES_${subsystem})
+    set(fixtures FIXTURES_REQUIRED ${MVSUP_TEST_FIXTURES_${subsystem}})
+  endif()
   gtest_discover_tests(${target}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 120
     TEST_PREFIX "${subsystem}."
-    PROPERTIES LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix)
+    PROPERTIES LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix ${fixtures})
   add_test(NAME ${subsystem}.lists_tests
            COMMAND ${CMAKE_SOURCE_DIR}/cmake/check-lists-tests.sh ${CMAKE_CROSSCOMPILING_EMULATOR}
                    $<TARGET_FILE:${target}>)
@@ -55,6 +61,8 @@ endfunction()
 # the tracer's rules below the exports are tested on its objects.
 set(MVSUP_DYNAMIC_TEST_PROGRAMS frame)
 set(MVSUP_INTERNAL_TEST_PROGRAMS tracer)
+
+include(${CMAKE_SOURCE_DIR}/cmake/StorageTesting.cmake)
 
 file(GLOB test_dirs LIST_DIRECTORIES true ${CMAKE_SOURCE_DIR}/tests/*)
 foreach(dir IN LISTS test_dirs)
@@ -87,9 +95,23 @@ if(TARGET test_time)
     set_tests_properties(${zone_test} PROPERTIES ENVIRONMENT TZ=${zone} LABELS wine TIMEOUT 300
                          RESOURCE_LOCK wine_prefix
                          PASS_REGULAR_EXPRESSION "\\[  PASSED  \\] [1-9]"
-                         FAIL_REGULAR_EXPRESSION "\\[  (FAILED|SKIPPED) \\]")
+                         FAIL_REGULAR_EXPRESSION "\\[  (FAILED|SKIPPED) +\\]")
   endforeach()
 endif()
+
+# The narrow text outputs once more under a double-byte ANSI code page
+# (Japanese, 932). The suites AnsiCodePage932.* skip in the default run
+# (1252); here a run that executes no test, or skips one, fails.
+foreach(subsystem settings types)
+  if(TARGET test_${subsystem})
+    add_test(NAME ${subsystem}.ansi_code_page_932
+             COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:test_${subsystem}> --gtest_filter=AnsiCodePage932.*)
+    set_tests_properties(${subsystem}.ansi_code_page_932 PROPERTIES ENVIRONMENT MVSUP_LOCALE=ja_JP.UTF-8
+                         LABELS wine TIMEOUT 300 RESOURCE_LOCK wine_prefix
+                         PASS_REGULAR_EXPRESSION "\\[  PASSED  \\] [1-9]"
+                         FAIL_REGULAR_EXPRESSION "\\[  (FAILED|SKIPPED) +\\]")
+  endif()
+endforeach()
 
 # The every-export test calls each name of the .def through its declaration.
 if(TARGET test_exports)
@@ -120,24 +142,32 @@ add_test(NAME abi.tool_imports
 set_tests_properties(abi.export_table abi.tool_imports PROPERTIES LABELS host)
 
 # A plain C client, compiled as strict C against the umbrella header and
-# linked against each import library.
-foreach(kind mingw msvc)
-  if(kind STREQUAL "mingw")
-    set(implib ${MVSUP_IMPLIB_MINGW})
-  else()
-    set(implib ${MVSUP_IMPLIB_MSVC})
-  endif()
-  set(client ${CMAKE_BINARY_DIR}/bin/abi_client_${kind}.exe)
-  add_test(NAME abi.link_c_client_${kind}
-           COMMAND ${CMAKE_C_COMPILER} -std=c11 -Wall -Wextra -Werror -pedantic -DUNICODE -D_UNICODE
-                   -I${CMAKE_SOURCE_DIR}/src/exports ${CMAKE_SOURCE_DIR}/tests/abi/client.c ${implib}
-                   -o ${client})
-  set_tests_properties(abi.link_c_client_${kind} PROPERTIES LABELS host FIXTURES_SETUP c_client_${kind})
-  if(NOT MVSUP_WINE_TESTS)
-    continue()
-  endif()
-  add_test(NAME abi.run_c_client_${kind} COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} ${client})
-  set_tests_properties(abi.run_c_client_${kind} PROPERTIES LABELS wine FIXTURES_REQUIRED c_client_${kind}
-                       RESOURCE_LOCK wine_prefix
-                       PASS_REGULAR_EXPRESSION "client ok")
-endforeach()
+# linked against the MinGW import library.
+set(client ${CMAKE_BINARY_DIR}/bin/abi_client_mingw.exe)
+add_test(NAME abi.link_c_client_mingw
+         COMMAND ${CMAKE_C_COMPILER} -std=c11 -Wall -Wextra -Werror -pedantic -DUNICODE -D_UNICODE
+                 -I${CMAKE_SOURCE_DIR}/src/exports ${CMAKE_SOURCE_DIR}/tests/abi/client.c ${MVSUP_IMPLIB_MINGW}
+                 -o ${client})
+set_tests_properties(abi.link_c_client_mingw PROPERTIES LABELS host FIXTURES_SETUP c_client_mingw)
+if(MVSUP_WINE_TESTS)
+  add_test(NAME abi.run_c_client_mingw COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} ${client})
+  set_tests_properties(abi.run_c_client_mingw PROPERTIES LABELS wine FIXTURES_REQUIRED c_client_mingw
+                       RESOURCE_LOCK wine_prefix PASS_REGULAR_EXPRESSION "client ok")
+endif()
+
+# Clients built for the MSVC ABI and linked with lld-link against MvSup2u.lib
+# (they are part of the build, so a failed link fails the build): the same C
+# client, and a C++ caller that catches the value accessor's out-of-range
+# error with its own runtime.
+include(${CMAKE_SOURCE_DIR}/cmake/MsvcAbi.cmake)
+mvsup_msvc_abi_client(abi_client_msvc SOURCES ${CMAKE_SOURCE_DIR}/tests/abi/client.c)
+mvsup_msvc_abi_client(abi_out_of_range_client_msvc SOURCES ${CMAKE_SOURCE_DIR}/tests/abi/out_of_range_client.cpp)
+if(MVSUP_WINE_TESTS)
+  add_test(NAME abi.run_c_client_msvc COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} ${CMAKE_BINARY_DIR}/bin/abi_client_msvc.exe)
+  add_test(NAME abi.msvc_caller_catches_out_of_range
+           COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} ${CMAKE_BINARY_DIR}/bin/abi_out_of_range_client_msvc.exe)
+  set_tests_properties(abi.run_c_client_msvc PROPERTIES PASS_REGULAR_EXPRESSION "client ok")
+  set_tests_properties(abi.msvc_caller_catches_out_of_range PROPERTIES PASS_REGULAR_EXPRESSION "out_of_range client ok")
+  set_tests_properties(abi.run_c_client_msvc abi.msvc_caller_catches_out_of_range PROPERTIES
+                       LABELS wine RESOURCE_LOCK wine_prefix)
+endif()

@@ -4,9 +4,10 @@
 # --wine-dir puts a private Wine (the 32-bit one of wine32-setup.sh) first
 # on PATH. The environment is pinned: no debug output, no Mono/Gecko
 # prompts, UTC unless the caller chose a zone, English locale (ANSI code
-# page 1252). When no wineserver serves the prefix yet, a persistent one is
-# started and the prefix booted with its output detached: Wine's background
-# services would otherwise inherit the caller's pipes and keep ctest waiting.
+# page 1252) unless the caller chose one in MVSUP_LOCALE. When no
+# wineserver serves the prefix yet, a persistent one is started and the
+# prefix booted with its output detached: Wine's background services would
+# otherwise inherit the caller's pipes and keep ctest waiting.
 if [ "$1" = "--wine-dir" ]; then
   [ -n "$2" ] && PATH="$2:$PATH" && export PATH
   shift 2
@@ -16,8 +17,12 @@ shift
 export WINEPREFIX="$prefix"
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="mscoree,mshtml="
-export LANG="${MVSUP_TEST_LANG:-en_US.UTF-8}"
+export LANG=en_US.UTF-8
 export TZ="${TZ:-UTC}"
+# A run may ask for another locale, and with it another ANSI code page (Wine
+# takes it from LC_ALL when a process starts; the Unix locale need not be
+# installed). No LC_ALL from the caller's environment gets through otherwise.
+if [ -n "${MVSUP_LOCALE:-}" ]; then export LC_ALL="$MVSUP_LOCALE"; else unset LC_ALL; fi
 
 server_running() {
   [ -d "$prefix" ] || return 1

@@ -7,8 +7,13 @@ set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 
 packages="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools binutils-mingw-w64-x86-64
-binutils-mingw-w64-i686 cmake ninja-build googletest wine wine64 xvfb xauth
-doxygen python3 pkgconf mono-mcs"
+binutils-mingw-w64-i686 cmake ninja-build googletest wine wine64 xvfb xauth"
+# The MSVC-ABI test clients: clang, lld-link, and Wine's Windows and C runtime
+# headers.
+packages="$packages clang lld libwine-dev"
+# Packaging checks: reference documentation, the caller declarations' checks,
+# the pkg-config consumer, the .NET declarations' compile.
+packages="$packages doxygen python3 pkgconf mono-mcs"
 
 missing=""
 for package in $packages; do

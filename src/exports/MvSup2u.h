@@ -14,5 +14,10 @@
 #include "MvSupItemInfo.h"
 #include "MvSupProperties.h"
 #include "MvSupTime.h"
+#include "MvSupFiles.h"
+#include "MvSupContent.h"
+#include "MvSupDispatch.h"
+#include "MvSupStreams.h"
+#include "MvSupRichText.h"
 
 #endif /* MVSUP2U_H */

@@ -120,8 +120,8 @@ HRESULT WINAPI QuotedPrintable_EncodeA(LPCSTR chars, DWORD count, LPSTR* encoded
  *  @{ */
 
 /** MD5 of length bytes into digest[16].
- *  Nothing is written when digest is null, and null data counts as empty
- *  only when length is 0.
+ *  Nothing is written when digest is null, and null data is hashed as the
+ *  empty input whatever length says (nothing is read).
  *  @return 0 (S_OK), always.
  *  @ownership digest is the caller's 16-byte buffer.
  *  @threads Any thread.

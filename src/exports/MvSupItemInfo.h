@@ -88,11 +88,13 @@ HRESULT WINAPI MvxCopyItemInfo(const BYTE* itemInfo, BYTE** copy);
  *  @threads Any thread; no item info may still be open over the block.
  */
 HGLOBAL WINAPI FreeMvxInfo(BYTE* itemInfo);
-/** Opens itemInfo (null: an empty item info) for editing.
+/** Opens itemInfo (null, or a block whose size field is 40 or less: an
+ *  empty item info) for editing.
  *  The block is not copied: values are read in place, and the in-place
  *  replacements change it at once. Every count, offset and length is
- *  checked against the size field (a size field below 40 is refused), and
- *  the size field must not exceed the block's real size.
+ *  checked against the size field, and no two bodies may overlap (they may
+ *  lie in any order); the size field must not exceed the block's real size.
+ *  Nothing past the size field is read.
  *  @return the open item info; null when memory runs out or when the block
  *  does not hold together.
  *  @ownership The caller destroys the result with MvxClose, and keeps the
@@ -199,12 +201,20 @@ void WINAPI MvxDeleteAllAttributes(HMVXINFO info, HMVXPROP property);
  */
 int WINAPI MvxGetAttributeValuesCount(HMVXINFO info, HMVXATTR attribute);
 /** The value at index (zero-based).
- *  An index outside 0..count-1 throws std::out_of_range("invalid vector<T>
- *  subscript") - the one exception of this interface, catchable by C++
- *  callers built with the same toolchain. 32-bit builds return null
- *  instead: there an exception cannot unwind out of the library into the
- *  caller and would end the process.
- *  @return the value block; null for null arguments.
+ *  An index outside 0..count-1 raises std::out_of_range with what()
+ *  "invalid vector<T> subscript" - the one exception of this interface - as
+ *  a C++ exception of Microsoft's runtime (code 0xE06D7363): a caller built
+ *  with Microsoft's compiler catches it as std::out_of_range,
+ *  std::logic_error or std::exception (by reference or by value) or with
+ *  catch (...), on 32-bit and 64-bit builds alike. The object refers to a
+ *  static text; the catching runtime destroys it. It carries no run-time
+ *  type information: typeid and dynamic_cast on the caught object are not
+ *  supported. A caller built with MinGW's g++ cannot catch it with any C++
+ *  clause, not even catch (...): to its runtime it is a foreign structured
+ *  exception, and unless the caller handles that itself (a vectored or
+ *  unhandled-exception handler) the process ends. Such callers check the
+ *  index against MvxGetAttributeValuesCount first.
+ *  @return the value block; null for a null item info or attribute.
  *  @ownership A pointer into the item info, valid as long as the value.
  *  @threads The open item info's thread (one thread at a time).
  */

@@ -122,10 +122,10 @@ HRESULT WINAPI TimetFromGMTDateA(LPCSTR text, __time64_t* time, LONG* zoneSecond
 /** @name Modification dates (HTTP dates)
  *  @{ */
 
-/** The HTTP date of systemTime taken as UTC, with the zone "GMT".
- *  Milliseconds are dropped.
- *  @return the text; "" for a null pointer, an impossible date, or a time
- *  TimetToGMTDate cannot write (before 1970, after 3001-01-01 07:59:59).
+/** The HTTP date of systemTime taken as UTC, with the zone "GMT", for every
+ *  date that SystemTimeFromMVModifiedDate reads (years 1601 to 30827).
+ *  The day name is computed from the date, milliseconds are dropped.
+ *  @return the text; "" for a null pointer or an impossible date.
  *  @ownership A shared static buffer of the library, overwritten by the
  *  next call; not freed by the caller.
  *  @threads One thread at a time.
@@ -152,8 +152,8 @@ int WINAPI SystemTimeFromMVModifiedDateA(LPCSTR text, SYSTEMTIME* systemTime);
 /** @} */
 
 /** @name UTC and local time
- *  The time zone of the system, with its current daylight-saving rules
- *  applied to every year.
+ *  The time zone of the system, each year with the daylight-saving rules it
+ *  had where the system keeps rules per year, else with the current rules.
  *  @{ */
 
 /** UTC to local time.

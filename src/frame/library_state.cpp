@@ -10,6 +10,7 @@ namespace {
 // unsynchronised reads of other threads well defined.
 std::atomic<DWORD> g_mode{0};
 std::atomic<HKEY> g_user_root{HKEY_CURRENT_USER};
+std::atomic<const wchar_t*> g_document_class_word{kFileClassWord};
 
 }  // namespace
 
@@ -18,7 +19,6 @@ namespace detail {
 int g_max_path = 130;
 DWORD g_max_items = mode::kDefaultMaxItems;
 wchar_t g_illegal_chars[mode::kIllegalCharsCapacity] = L":\\/*?\"<>|";
-const wchar_t* g_document_class_word = L"File";
 HMODULE g_own_module = nullptr;
 HMODULE g_resource_module = nullptr;
 HMODULE g_satellite_module = nullptr;
@@ -33,7 +33,10 @@ void set_user_root(HKEY root) noexcept { g_user_root.store(root, std::memory_ord
 int max_path() noexcept { return detail::g_max_path; }
 DWORD max_items() noexcept { return detail::g_max_items; }
 const wchar_t* illegal_path_chars() noexcept { return detail::g_illegal_chars; }
-const wchar_t* document_class_word() noexcept { return detail::g_document_class_word; }
+const wchar_t* document_class_word() noexcept { return g_document_class_word.load(std::memory_order_relaxed); }
+void set_document_class_word(const wchar_t* word) noexcept {
+  g_document_class_word.store(word, std::memory_order_relaxed);
+}
 HMODULE own_module() noexcept { return detail::g_own_module; }
 HMODULE resource_module() noexcept { return detail::g_resource_module; }
 

@@ -18,6 +18,10 @@ int max_path() noexcept;
 DWORD max_items() noexcept;
 const wchar_t* illegal_path_chars() noexcept;
 const wchar_t* document_class_word() noexcept;
+// Either of the two words below (constant text).
+void set_document_class_word(const wchar_t* word) noexcept;
+inline constexpr const wchar_t* kFileClassWord = L"File";
+inline constexpr const wchar_t* kDocumentClassWord = L"Document";
 
 HMODULE own_module() noexcept;
 HMODULE resource_module() noexcept;

@@ -18,7 +18,6 @@ namespace detail {
 extern int g_max_path;
 extern DWORD g_max_items;
 extern wchar_t g_illegal_chars[mode::kIllegalCharsCapacity];
-extern const wchar_t* g_document_class_word;
 extern HMODULE g_own_module;
 extern HMODULE g_resource_module;
 extern HMODULE g_satellite_module;
@@ -48,17 +47,19 @@ void start_tracer() noexcept {
 
 int read_settings(bool reload_only) noexcept {
   // A reload drops every bit that SetMvSupMode set without persisting it; the
-  // user registry root is left as it is.
+  // user registry root is left as it is. Other threads keep reading the old
+  // words until the new ones are complete: each is published with one store.
   DWORD mode = mode::kInitialised;
-  set_mode_word(mode);
-  detail::g_document_class_word = L"File";
+  const wchar_t* class_word = kFileClassWord;
   for (const mode::BitSource& source : mode::kBitSources) {
     if (!read_bit(source)) continue;
     mode |= source.bit;
-    set_mode_word(mode);
+    // The component settings read after this one come from the machine.
     if (source.bit == mode::kRunAsService) set_user_root(HKEY_LOCAL_MACHINE);
-    if (source.bit == mode::kHalcyoDocClassId) detail::g_document_class_word = L"Document";
+    if (source.bit == mode::kHalcyoDocClassId) class_word = kDocumentClassWord;
   }
+  set_mode_word(mode);
+  set_document_class_word(class_word);
   if (reload_only) return 1;
 
   detail::g_max_items = settings::get_dword(mode::kMaxItemsComponent, mode::kMaxItemsValue, mode::kDefaultMaxItems);

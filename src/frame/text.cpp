@@ -1,6 +1,7 @@
 #include "frame/text.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cwchar>
 #include <vector>
@@ -26,14 +27,25 @@ size_t copy_truncated(char* buffer, size_t capacity, std::string_view source) no
   return copy_truncated_impl(buffer, capacity, source);
 }
 
-bool copy_whole(wchar_t* buffer, size_t capacity, std::wstring_view source) noexcept {
+namespace {
+template <typename Char>
+bool copy_whole_impl(Char* buffer, size_t capacity, std::basic_string_view<Char> source) noexcept {
   if (buffer == nullptr || capacity == 0) return false;
   if (source.size() >= capacity) {
-    buffer[0] = L'\0';
+    buffer[0] = Char{};
     return false;
   }
-  copy_truncated(buffer, capacity, source);
+  copy_truncated_impl(buffer, capacity, source);
   return true;
+}
+}  // namespace
+
+bool copy_whole(wchar_t* buffer, size_t capacity, std::wstring_view source) noexcept {
+  return copy_whole_impl(buffer, capacity, source);
+}
+
+bool copy_whole(char* buffer, size_t capacity, std::string_view source) noexcept {
+  return copy_whole_impl(buffer, capacity, source);
 }
 
 void clear_prefix(wchar_t* buffer, size_t capacity, size_t count) noexcept {
@@ -67,6 +79,43 @@ std::string to_narrow(std::wstring_view text, UINT code_page) {
   std::string result(static_cast<size_t>(needed), '\0');
   ::WideCharToMultiByte(code_page, 0, text.data(), size, result.data(), needed, nullptr, nullptr);
   return result;
+}
+
+namespace {
+// Bytes that the first `units` code units of text convert to.
+size_t narrow_length(const wchar_t* text, size_t units, UINT code_page) noexcept {
+  if (units == 0) return 0;
+  const int bytes = ::WideCharToMultiByte(code_page, 0, text, static_cast<int>(units), nullptr, 0, nullptr, nullptr);
+  return bytes > 0 ? static_cast<size_t>(bytes) : 0;
+}
+
+bool is_high_surrogate(wchar_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDBFF; }
+}  // namespace
+
+size_t copy_narrow_truncated(char* buffer, size_t capacity, std::wstring_view source, UINT code_page) noexcept {
+  if (buffer == nullptr || capacity == 0) return 0;
+  const size_t room = std::min<size_t>(capacity - 1, INT_MAX);
+  size_t units = std::min<size_t>(source.size(), INT_MAX);
+  if (narrow_length(source.data(), units, code_page) > room) {
+    // The longest prefix that fits: the converted length grows with the
+    // prefix, so a binary search finds it.
+    size_t fits = 0;
+    size_t too_long = units;
+    while (too_long - fits > 1) {
+      const size_t middle = fits + (too_long - fits) / 2;
+      (narrow_length(source.data(), middle, code_page) <= room ? fits : too_long) = middle;
+    }
+    units = fits;
+    if (units != 0 && is_high_surrogate(source[units - 1])) --units;
+  }
+  size_t written = 0;
+  if (units != 0) {
+    const int bytes = ::WideCharToMultiByte(code_page, 0, source.data(), static_cast<int>(units), buffer,
+                                            static_cast<int>(room), nullptr, nullptr);
+    written = bytes > 0 ? static_cast<size_t>(bytes) : 0;
+  }
+  buffer[written] = '\0';
+  return written;
 }
 
 size_t bounded_length(const wchar_t* text, size_t max_length) noexcept {

@@ -19,6 +19,7 @@ size_t copy_truncated(char* buffer, size_t capacity, std::string_view source) no
 // Copies source with its terminator only when all of it fits; otherwise
 // empties the buffer (when it has room for that) and returns false.
 bool copy_whole(wchar_t* buffer, size_t capacity, std::wstring_view source) noexcept;
+bool copy_whole(char* buffer, size_t capacity, std::string_view source) noexcept;
 
 // Clears the first min(count, capacity) characters of a caller's buffer.
 void clear_prefix(wchar_t* buffer, size_t capacity, size_t count) noexcept;
@@ -28,6 +29,14 @@ std::string_view view_or_empty(const char* text) noexcept;
 
 std::wstring to_wide(std::string_view text, UINT code_page = CP_ACP);
 std::string to_narrow(std::wstring_view text, UINT code_page = CP_ACP);
+
+// Converts source into a caller's narrow buffer of `capacity` bytes and
+// terminates it, dropping whole characters from the end until the rest
+// fits: a double-byte character (or a surrogate pair) is never cut in two.
+// Nothing is written past the terminator. Returns the bytes written before
+// the terminator; nothing is written when capacity is 0.
+size_t copy_narrow_truncated(char* buffer, size_t capacity, std::wstring_view source,
+                             UINT code_page = CP_ACP) noexcept;
 
 // Length of a string of at most max_length characters (no read past that).
 size_t bounded_length(const wchar_t* text, size_t max_length) noexcept;

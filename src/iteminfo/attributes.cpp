@@ -1,11 +1,11 @@
 // Attributes of a property and the value lists they hold. Pure in-memory
 // accessors: not traced.
-#include <stdexcept>
-
 #include "MvSupItemInfo.h"
+#include "frame/msvc_exception.h"
 #include "iteminfo/item_info.h"
 
 using namespace mvsup::iteminfo;
+using mvsup::frame::raise_out_of_range;
 
 extern "C" {
 
@@ -47,18 +47,9 @@ int WINAPI MvxGetAttributeValuesCount(HMVXINFO info, HMVXATTR attribute) {
 PMVXVALUE WINAPI MvxGetAttributeValue(HMVXINFO info, HMVXATTR attribute, int index) {
   if (info == nullptr || attribute == nullptr) return nullptr;
   const ValueList& values = from_handle(attribute)->values();
-  if (index < 0 || static_cast<size_t>(index) >= values.size()) {
-#if defined(__i386__)
-    // On 32-bit builds an exception cannot unwind out of this module (each
-    // module carries its own unwinder) and would end the caller's process;
-    // null is the defined answer there.
-    return nullptr;
-#else
-    // The one exception that leaves the library; callers have always caught
-    // it under this text.
-    throw std::out_of_range("invalid vector<T> subscript");
-#endif
-  }
+  // No object with a destructor is alive here: the raise leaves this frame
+  // without running any.
+  if (index < 0 || static_cast<size_t>(index) >= values.size()) raise_out_of_range("invalid vector<T> subscript");
   return values[static_cast<size_t>(index)];
 }
 

@@ -5,10 +5,12 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <optional>
+#include <vector>
 
 namespace mvsup::iteminfo {
 
@@ -94,7 +96,7 @@ struct EntryView {
   uint32_t key;
   uint32_t table_offset;  // of the entry's table slot
   uint32_t body_offset;   // absolute
-  uint32_t end_offset;    // just past the last value of its last attribute
+  uint32_t end_offset;    // just past the furthest of its attribute bodies
   uint16_t attribute_count;
   bool custom;            // bit 0 of the key
   // Custom entries: the name from the first attribute 2 that has a value,
@@ -118,13 +120,113 @@ struct ValueView {
   const BYTE* block;
 };
 
+namespace detail {
+
+// One stretch of a block that a commit writes again: the entry table, an
+// entry's count and attribute table, or an attribute's count and values.
+struct Piece {
+  uint32_t start;
+  uint32_t end;
+  uint32_t placed_by;  // offset of the field that puts it there
+  const char* reason;  // should it overlap another
+};
+
+inline constexpr const char* kEntryOverlap = "entry body overlaps another part of the block";
+inline constexpr const char* kAttributeOverlap = "attribute body overlaps another part of the block";
+
+// Checks one entry (its attribute table, attribute bodies and values)
+// against the size field, fills `entry` and hands each piece it occupies to
+// place(Piece).
+template <typename Place>
+std::optional<Fault> check_entry(const BYTE* block, uint32_t size, uint32_t index, EntryView& entry,
+                                 Place&& place) noexcept(noexcept(place(Piece{}))) {
+  const uint32_t slot = kEntryTableStart + kTableEntrySize * index;
+  entry = EntryView{};
+  entry.index = index;
+  entry.key = load_u32(block + slot);
+  entry.table_offset = slot;
+  entry.custom = (entry.key & kCustomPropertyKey) != 0;
+  const uint64_t body = uint64_t{kEntryTableStart} + load_u32(block + slot + 4);
+  if (body + kCountSize > size) return Fault{slot + 4, "entry body lies outside the block"};
+  entry.body_offset = static_cast<uint32_t>(body);
+  entry.attribute_count = load_u16(block + body);
+
+  const uint64_t attribute_table = body + kCountSize;
+  const uint64_t attribute_table_end = attribute_table + uint64_t{kTableEntrySize} * entry.attribute_count;
+  if (attribute_table_end > size)
+    return Fault{static_cast<uint32_t>(body), "attribute table runs past the end of the block"};
+  place(Piece{static_cast<uint32_t>(body), static_cast<uint32_t>(attribute_table_end), slot + 4, kEntryOverlap});
+  uint64_t furthest = attribute_table_end;
+  bool named = false;
+  for (uint32_t j = 0; j < entry.attribute_count; ++j) {
+    const uint32_t attribute_slot = static_cast<uint32_t>(attribute_table + kTableEntrySize * j);
+    const uint32_t id = load_u32(block + attribute_slot);
+    const uint64_t attribute_body = attribute_table + load_u32(block + attribute_slot + 4);
+    if (attribute_body + kCountSize > size)
+      return Fault{attribute_slot + 4, "attribute body lies outside the block"};
+    const uint16_t value_count = load_u16(block + attribute_body);
+    uint64_t position = attribute_body + kCountSize;
+    for (uint32_t k = 0; k < value_count; ++k) {
+      if (position + kLengthSize > size)
+        return Fault{static_cast<uint32_t>(position), "value length field lies outside the block"};
+      const uint32_t length = load_u32(block + position);
+      if (position + kLengthSize + length > size)
+        return Fault{static_cast<uint32_t>(position), "value length runs past the end of the block"};
+      if (entry.custom && !named && id == kNameAttribute && k == 0) {
+        const std::optional<size_t> units = terminated_units(block + position + kLengthSize, length);
+        if (!units) return Fault{static_cast<uint32_t>(position), "custom property name is not terminated"};
+        entry.name = block + position + kLengthSize;
+        entry.name_units = *units;
+        named = true;
+      }
+      position += kLengthSize + length;
+    }
+    place(Piece{static_cast<uint32_t>(attribute_body), static_cast<uint32_t>(position), attribute_slot + 4,
+                kAttributeOverlap});
+    if (position > furthest) furthest = position;
+  }
+  entry.end_offset = static_cast<uint32_t>(furthest);
+  return std::nullopt;
+}
+
+// For blocks whose pieces do not come in ascending order: collects every
+// piece, sorts them by where they start and finds the first that begins
+// before an earlier one ends.
+inline std::optional<Fault> find_overlap(const BYTE* block, uint32_t size, uint16_t entry_count) noexcept {
+  try {
+    std::vector<Piece> pieces;
+    pieces.push_back(Piece{kEntryTableStart, kEntryTableStart + kTableEntrySize * entry_count, kSectionStart + 2,
+                           "entry table overlaps a body"});
+    EntryView entry;
+    for (uint32_t i = 0; i < entry_count; ++i)
+      check_entry(block, size, i, entry, [&](const Piece& piece) { pieces.push_back(piece); });
+    // Stable: of two pieces that start together, the one placed later is at fault.
+    std::stable_sort(pieces.begin(), pieces.end(),
+                     [](const Piece& a, const Piece& b) { return a.start < b.start; });
+    uint32_t furthest = 0;
+    for (const Piece& piece : pieces) {
+      if (piece.start == piece.end) continue;
+      if (piece.start < furthest) return Fault{piece.placed_by, piece.reason};
+      furthest = std::max(furthest, piece.end);
+    }
+    return std::nullopt;
+  } catch (...) {  // std::bad_alloc
+    return Fault{kSectionStart + 2, "too many bodies out of order to check"};
+  }
+}
+
+}  // namespace detail
+
 // Walks a committed item info of which `available` bytes can be read. Every
 // count, offset and length is checked against the size field, and the size
 // field against `available`, before it is used: nothing outside the first
-// min(size, available) bytes is read. Bodies must follow their tables and
-// each other in table order without overlapping (gaps are allowed: a table
-// whose 16-bit count wrapped leaves one), so that what the block holds
-// never commits to more than its size.
+// min(size, available) bytes is read. A size field of 40 or less is an empty
+// item info. Bodies may lie in any order, with gaps between them (a table
+// whose 16-bit count wrapped leaves one), but no two of them, and no body
+// and a table, may overlap: so what the block holds never commits to more
+// than its size. Pieces that come in ascending order (as in every block a
+// commit writes) are checked as they come; only a block that has them in
+// another order is checked once more at the end, which allocates.
 //
 // An entry is validated whole before the visitor sees it; the visitor then
 // gets on_entry, and when that returns true on_attribute for each attribute
@@ -134,15 +236,14 @@ struct ValueView {
 //   bool on_entry(const EntryView&);
 //   bool on_attribute(const EntryView&, const AttributeView&);
 //   void on_value(const AttributeView&, const ValueView&);
-// On a fault the visitor may have seen a prefix of the block.
+// On a fault the visitor may have seen part or all of the block.
 template <typename Visitor>
 std::optional<Fault> walk_block(const BYTE* block, size_t available, Visitor& visitor) {
   if (block == nullptr || available < 4) return Fault{0, "block shorter than its size field"};
   const uint32_t size = load_u32(block);
   if (size > available) return Fault{header::kSize, "size field larger than the block"};
-  if (size < kHeaderSize) return Fault{header::kSize, "size field below the 40-byte header"};
   visitor.on_header(size);
-  if (size == kHeaderSize) return std::nullopt;
+  if (size <= kHeaderSize) return std::nullopt;
   if (size < kEntryTableStart) return Fault{kSectionStart, "section header cut short"};
 
   const uint16_t entry_count = load_u16(block + kSectionStart + 2);
@@ -150,64 +251,24 @@ std::optional<Fault> walk_block(const BYTE* block, size_t available, Visitor& vi
   const uint64_t table_end = uint64_t{kEntryTableStart} + uint64_t{kTableEntrySize} * entry_count;
   if (table_end > size) return Fault{kSectionStart + 2, "entry table runs past the end of the block"};
 
-  uint64_t previous_end = table_end;
+  uint32_t previous_end = static_cast<uint32_t>(table_end);
+  bool in_order = true;
+  const auto place = [&](const detail::Piece& piece) noexcept {
+    if (piece.start < previous_end) in_order = false;
+    previous_end = piece.end;
+  };
+  EntryView entry;
   for (uint32_t i = 0; i < entry_count; ++i) {
-    const uint32_t slot = kEntryTableStart + kTableEntrySize * i;
-    EntryView entry{};
-    entry.index = i;
-    entry.key = load_u32(block + slot);
-    entry.table_offset = slot;
-    entry.custom = (entry.key & kCustomPropertyKey) != 0;
-    const uint64_t body = uint64_t{kEntryTableStart} + load_u32(block + slot + 4);
-    if (body < previous_end) return Fault{slot + 4, "entry body overlaps what comes before it"};
-    if (body + kCountSize > size) return Fault{slot + 4, "entry body lies outside the block"};
-    entry.body_offset = static_cast<uint32_t>(body);
-    entry.attribute_count = load_u16(block + body);
-
-    const uint64_t attribute_table = body + kCountSize;
-    const uint64_t attribute_table_end = attribute_table + uint64_t{kTableEntrySize} * entry.attribute_count;
-    if (attribute_table_end > size)
-      return Fault{static_cast<uint32_t>(body), "attribute table runs past the end of the block"};
-    uint64_t attribute_end = attribute_table_end;
-    bool named = false;
-    for (uint32_t j = 0; j < entry.attribute_count; ++j) {
-      const uint32_t attribute_slot = static_cast<uint32_t>(attribute_table + kTableEntrySize * j);
-      const uint32_t id = load_u32(block + attribute_slot);
-      const uint64_t attribute_body = attribute_table + load_u32(block + attribute_slot + 4);
-      if (attribute_body < attribute_end)
-        return Fault{attribute_slot + 4, "attribute body overlaps what comes before it"};
-      if (attribute_body + kCountSize > size)
-        return Fault{attribute_slot + 4, "attribute body lies outside the block"};
-      const uint16_t value_count = load_u16(block + attribute_body);
-      uint64_t position = attribute_body + kCountSize;
-      for (uint32_t k = 0; k < value_count; ++k) {
-        if (position + kLengthSize > size)
-          return Fault{static_cast<uint32_t>(position), "value length field lies outside the block"};
-        const uint32_t length = load_u32(block + position);
-        if (position + kLengthSize + length > size)
-          return Fault{static_cast<uint32_t>(position), "value length runs past the end of the block"};
-        if (entry.custom && !named && id == kNameAttribute && k == 0) {
-          const std::optional<size_t> units = terminated_units(block + position + kLengthSize, length);
-          if (!units) return Fault{static_cast<uint32_t>(position), "custom property name is not terminated"};
-          entry.name = block + position + kLengthSize;
-          entry.name_units = *units;
-          named = true;
-        }
-        position += kLengthSize + length;
-      }
-      attribute_end = position;
-    }
-    previous_end = attribute_end;
-    entry.end_offset = static_cast<uint32_t>(attribute_end);
-
+    if (const std::optional<Fault> fault = detail::check_entry(block, size, i, entry, place)) return fault;
     if (!visitor.on_entry(entry)) continue;
+    const uint32_t attribute_table = entry.body_offset + kCountSize;
     for (uint32_t j = 0; j < entry.attribute_count; ++j) {
-      const uint32_t attribute_slot = static_cast<uint32_t>(attribute_table + kTableEntrySize * j);
+      const uint32_t attribute_slot = attribute_table + kTableEntrySize * j;
       AttributeView attribute{};
       attribute.index = j;
       attribute.id = load_u32(block + attribute_slot);
       attribute.table_offset = attribute_slot;
-      attribute.body_offset = static_cast<uint32_t>(attribute_table + load_u32(block + attribute_slot + 4));
+      attribute.body_offset = attribute_table + load_u32(block + attribute_slot + 4);
       attribute.value_count = load_u16(block + attribute.body_offset);
       if (!visitor.on_attribute(entry, attribute)) continue;
       uint32_t position = attribute.body_offset + kCountSize;
@@ -218,7 +279,15 @@ std::optional<Fault> walk_block(const BYTE* block, size_t available, Visitor& vi
       }
     }
   }
+  if (!in_order) return detail::find_overlap(block, size, entry_count);
   return std::nullopt;
+}
+
+// Walks a block handed to the library, which has nothing but its size field
+// to say how long it is (that field, at least, is there).
+template <typename Visitor>
+std::optional<Fault> walk_committed(const BYTE* block, Visitor& visitor) {
+  return walk_block(block, block == nullptr ? 0 : std::max<size_t>(load_u32(block), sizeof(uint32_t)), visitor);
 }
 
 // A visitor that only validates.

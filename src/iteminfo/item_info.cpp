@@ -252,13 +252,14 @@ ItemInfo* open_item_info(BYTE* block, Fault* fault) noexcept {
     if (block == nullptr) return info.release();
     Loader loader(*info);
     const uint32_t size_field = load_u32(block);
-    if (const std::optional<Fault> found = walk_block(block, size_field, loader)) {
+    if (const std::optional<Fault> found = walk_committed(block, loader)) {
       trace::line(L"MvxOpen: item info %p does not hold together at offset %u: %hs\n", static_cast<void*>(block),
                   static_cast<unsigned>(found->offset), found->reason);
       if (fault != nullptr) *fault = *found;
       return nullptr;
     }
-    info->commit_size = size_field;
+    // A size field of 40 or less is an empty item info, committed as 40 bytes.
+    info->commit_size = std::max(size_field, kHeaderSize);
     info->buffer_current = loader.as_committed(size_field);
     return info.release();
   } catch (...) {
@@ -282,10 +283,11 @@ uint32_t commit_item_info(ItemInfo& info, BYTE* destination) noexcept {
     return old_size;
   }
 
-  if (old_buffer != nullptr)
-    std::memcpy(destination, old_buffer, kHeaderSize);
-  else
-    std::memset(destination, 0, kHeaderSize);
+  // The header is carried over as far as the old size field reaches (it is
+  // shorter than the header only in an empty item info); the rest is zero.
+  const uint32_t carried = std::min(old_size, kHeaderSize);
+  if (carried != 0) std::memcpy(destination, old_buffer, carried);
+  std::memset(destination + carried, 0, kHeaderSize - carried);
 
   if (!info.properties && !info.custom_properties) {
     info.buffer = destination;

@@ -1,7 +1,8 @@
 // One-call accessors: each reads or writes one property of a committed item
 // info. Readers walk the block in place (validating it as MvxOpen does) and
-// allocate nothing; writers open, change, commit into a new block and
-// close, and never write to the caller's block.
+// allocate nothing unless its bodies are out of order; writers open,
+// change, commit into a new block and close, and never write to the
+// caller's block.
 #include "iteminfo/property_accessors.h"
 
 #include <climits>
@@ -77,7 +78,7 @@ class PropertyFinder {
 std::optional<CommittedProperty> find(const BYTE* block, PropertyFinder& finder) noexcept {
   if (block == nullptr) return CommittedProperty{};
   try {
-    if (walk_block(block, load_u32(block), finder)) return std::nullopt;
+    if (walk_committed(block, finder)) return std::nullopt;
   } catch (...) {  // the walk itself never throws; the finder does not either
     return std::nullopt;
   }

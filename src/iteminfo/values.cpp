@@ -210,7 +210,7 @@ LPWSTR WINAPI MvxFindTitleValue(BYTE* itemInfo) {
   trace::CallScope scope("MvxFindTitleValue", reinterpret_cast<uintptr_t>(itemInfo));
   if (itemInfo == nullptr) return nullptr;
   TitleFinder finder;
-  if (const std::optional<Fault> fault = walk_block(itemInfo, load_u32(itemInfo), finder)) {
+  if (const std::optional<Fault> fault = walk_committed(itemInfo, finder)) {
     trace::line(L"MvxFindTitleValue: item info %p does not hold together at offset %u: %hs\n",
                 static_cast<void*>(itemInfo), static_cast<unsigned>(fault->offset), fault->reason);
     return nullptr;

@@ -37,4 +37,15 @@
 #define IDS_CUSTOMTYPES_NOT_REPAIRED 5121
 #define IDS_CUSTOMTYPES_REPAIRED     5122
 
+/* Messages of the path check before a directory clean-up removes anything. */
+#define IDS_CLEANUP_NO_CURRENT_DIR   4928
+#define IDS_CLEANUP_DOUBLE_SLASH     4929
+#define IDS_CLEANUP_TOO_SHORT        4930
+#define IDS_CLEANUP_TOO_LONG         4931
+#define IDS_CLEANUP_NOT_UNDER_BASE   4932
+/* Format names of files without a table entry. */
+#define IDS_FORMAT_ALL_FILES         4935
+#define IDS_FORMAT_EXECUTABLE        4936
+#define IDS_FORMAT_SYSTEM_EXTENSION  4937
+
 #endif /* MVSUP_RESOURCE_IDS_H */

@@ -69,7 +69,7 @@ LONG get_string_narrow(const wchar_t* component, const wchar_t* name, const wcha
     std::wstring wide(static_cast<size_t>(capacity) + 2, L'\0');
     const LONG rc = get_string(component, name, fallback, wide.data(), capacity + 2);
     wide.resize(text::bounded_length(wide.c_str(), wide.size()));
-    text::copy_truncated(buffer, capacity, text::to_narrow(wide));
+    text::copy_narrow_truncated(buffer, capacity, wide);
     return rc;
   } catch (...) {
     return ERROR_NOT_ENOUGH_MEMORY;

@@ -118,6 +118,14 @@ class TokenCursor {
   std::wstring_view rest_;
 };
 
+// "%a, %d %b %Y %H:%M:%S" of the given fields; day_of_week 0 is Sunday.
+std::wstring format_http_fields(int day_of_week, int day, int month, int year, int hour, int minute, int second) {
+  const std::wstring_view day_name = kDayNames[static_cast<size_t>((day_of_week + 6) % 7)];
+  const std::wstring_view month_name = kMonthNames[static_cast<size_t>(month - 1)];
+  return text::format(L"%ls, %02d %ls %d %02d:%02d:%02d", day_name.data(), day, month_name.data(), year, hour,
+                      minute, second);
+}
+
 }  // namespace
 
 std::wstring format_creation_date(const SYSTEMTIME& t) {
@@ -150,11 +158,8 @@ HRESULT format_http_date(__time64_t time, LONG zone_seconds, std::wstring& text)
     minutes = 60 - minutes;
   }
   try {
-    const std::wstring_view day = kDayNames[static_cast<size_t>((utc.tm_wday + 6) % 7)];
-    const std::wstring_view month = kMonthNames[static_cast<size_t>(utc.tm_mon)];
-    std::wstring result =
-        text::format(L"%ls, %02d %ls %d %02d:%02d:%02d", day.data(), utc.tm_mday, month.data(), utc.tm_year + 1900,
-                    utc.tm_hour, utc.tm_min, utc.tm_sec);
+    std::wstring result = format_http_fields(utc.tm_wday, utc.tm_mday, utc.tm_mon + 1, utc.tm_year + 1900,
+                                             utc.tm_hour, utc.tm_min, utc.tm_sec);
     if (hours == 0 && minutes == 0)
       result += L" GMT";
     else
@@ -206,11 +211,13 @@ HRESULT parse_http_date(std::wstring_view text, __time64_t& time, LONG& zone_sec
   return S_OK;
 }
 
+// Written from the fields themselves rather than through the C runtime's
+// broken-down time, so that every date the reader takes (1601 to 30827)
+// is written; the day name is computed, milliseconds are dropped.
 std::wstring format_modified_date(const SYSTEMTIME& system_time) {
-  __time64_t time = 0;
-  std::wstring text;
-  if (!timet_from_system_time(system_time, time) || format_http_date(time, 0, text) != S_OK) return {};
-  return text;
+  SYSTEMTIME t = system_time;
+  if (!set_day_of_week(t)) return {};
+  return format_http_fields(t.wDayOfWeek, t.wDay, t.wMonth, t.wYear, t.wHour, t.wMinute, t.wSecond) + L" GMT";
 }
 
 int parse_modified_date(std::wstring_view text, SYSTEMTIME& system_time) noexcept {
@@ -233,7 +240,7 @@ using namespace mvsup;
 namespace {
 
 // Shared buffers of the two text writers; the longest creation date (five
-// digits in every field) has 36 characters, a modification date 29.
+// digits in every field) has 36 characters, a modification date 30.
 constexpr size_t kTextBufferCapacity = 48;
 
 std::wstring wide_or_empty(const char* text) { return text::to_wide(text::view_or_empty(text)); }
@@ -319,13 +326,8 @@ HRESULT WINAPI TimetToGMTDateA(__time64_t time, LONG zoneSeconds, LPSTR buffer, 
   std::fill_n(buffer, capacity, '\0');
   std::wstring date;
   const HRESULT hr = time::format_http_date(time, zoneSeconds, date);
-  if (hr != S_OK) return scope.hr(hr);
-  try {
-    text::copy_truncated(buffer, capacity, text::to_narrow(date));
-  } catch (...) {
-    return scope.hr(E_OUTOFMEMORY);
-  }
-  return scope.hr(S_OK);
+  if (hr == S_OK) text::copy_narrow_truncated(buffer, capacity, date);
+  return scope.hr(hr);
 }
 
 HRESULT WINAPI TimetFromGMTDate(LPCWSTR text, __time64_t* time, LONG* zoneSeconds) {

@@ -13,8 +13,33 @@ namespace {
 
 constexpr int64_t kTicksPerMinute = 60 * kTicksPerSecond;
 
-bool read_zone(TIME_ZONE_INFORMATION& zone) noexcept {
-  if (::GetTimeZoneInformation(&zone) == TIME_ZONE_ID_INVALID) return false;
+// The zone's rules for one year: the platform's per-year rules (dynamic
+// time-zone data) where it has them, else its current rules. With automatic
+// daylight saving switched off the current rules are the ones to use (they
+// have none).
+bool read_zone(WORD year, TIME_ZONE_INFORMATION& zone) noexcept {
+  DYNAMIC_TIME_ZONE_INFORMATION dynamic{};
+  if (::GetDynamicTimeZoneInformation(&dynamic) != TIME_ZONE_ID_INVALID && !dynamic.DynamicDaylightTimeDisabled &&
+      ::GetTimeZoneInformationForYear(year, &dynamic, &zone))
+    return true;
+  return ::GetTimeZoneInformation(&zone) != TIME_ZONE_ID_INVALID;
+}
+
+// Converts with the rules of the local year, which near the turn of a year
+// may differ from the year of the UTC time.
+bool local_from_utc(const SYSTEMTIME& gmt, SYSTEMTIME& local) noexcept {
+  TIME_ZONE_INFORMATION zone;
+  if (!read_zone(gmt.wYear, zone) || !::SystemTimeToTzSpecificLocalTime(&zone, &gmt, &local)) return false;
+  if (local.wYear != gmt.wYear &&
+      (!read_zone(local.wYear, zone) || !::SystemTimeToTzSpecificLocalTime(&zone, &gmt, &local)))
+    return false;
+  trace::line("Bias: %d min\n", static_cast<int>(zone.Bias));
+  return true;
+}
+
+bool utc_from_local(const SYSTEMTIME& local, SYSTEMTIME& gmt) noexcept {
+  TIME_ZONE_INFORMATION zone;
+  if (!read_zone(local.wYear, zone) || !::TzSpecificLocalTimeToSystemTime(&zone, &local, &gmt)) return false;
   trace::line("Bias: %d min\n", static_cast<int>(zone.Bias));
   return true;
 }
@@ -46,10 +71,8 @@ void trace_local(const SYSTEMTIME& t, const SYSTEMTIME& gmt) noexcept {
 bool gmt_to_local(const SYSTEMTIME& gmt, SYSTEMTIME& local) noexcept {
   const SYSTEMTIME in = gmt;
   trace_gmt(in);
-  TIME_ZONE_INFORMATION zone;
   SYSTEMTIME out;
-  if (!is_valid_system_time(in) || !read_zone(zone) || !::SystemTimeToTzSpecificLocalTime(&zone, &in, &out))
-    return false;
+  if (!is_valid_system_time(in) || !local_from_utc(in, out)) return false;
   trace_local(out, in);
   local = out;
   return true;
@@ -57,10 +80,8 @@ bool gmt_to_local(const SYSTEMTIME& gmt, SYSTEMTIME& local) noexcept {
 
 bool local_to_gmt(const SYSTEMTIME& local, SYSTEMTIME& gmt) noexcept {
   const SYSTEMTIME in = local;
-  TIME_ZONE_INFORMATION zone;
   SYSTEMTIME out;
-  if (!is_valid_system_time(in) || !read_zone(zone) || !::TzSpecificLocalTimeToSystemTime(&zone, &in, &out))
-    return false;
+  if (!is_valid_system_time(in) || !utc_from_local(in, out)) return false;
   trace_local(in, out);
   trace_gmt(out);
   gmt = out;

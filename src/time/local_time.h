@@ -1,6 +1,7 @@
 // Conversions between UTC and the system's local time. The zone is read
-// from the system on every call (GetTimeZoneInformation), so a change of the
-// zone applies at once; its current daylight-saving rules apply to every year.
+// from the system on every call, so a change of the zone applies at once;
+// each year is converted with the rules the system keeps for that year
+// (dynamic time-zone data), or with the current rules where it keeps none.
 #pragma once
 
 #include <windows.h>

@@ -192,16 +192,6 @@ LPCWSTR word_for_caller(types::ItemType type, bool http) noexcept {
   return copy_out(g_word_buffer, static_cast<int>(std::size(g_word_buffer)), types::type_word(type, http));
 }
 
-std::string narrow_fitting(std::wstring_view text, size_t max_bytes) {
-  std::string narrow = text::to_narrow(text);
-  // Drop whole characters rather than split a double-byte one.
-  while (narrow.size() > max_bytes && !text.empty()) {
-    text.remove_suffix(1);
-    narrow = text::to_narrow(text);
-  }
-  return narrow;
-}
-
 }  // namespace
 
 extern "C" {
@@ -219,8 +209,7 @@ LPCWSTR WINAPI GetMvxItemTypeAsString(MVXITEMTYPE type) {
 LPCSTR WINAPI GetMvxItemTypeAsStringA(MVXITEMTYPE type) {
   trace::CallScope scope("GetMvxItemTypeAsStringA");
   try {
-    const std::string narrow = narrow_fitting(types::type_word(type), std::size(g_word_buffer_narrow) - 1);
-    text::copy_truncated(g_word_buffer_narrow, std::size(g_word_buffer_narrow), narrow);
+    text::copy_narrow_truncated(g_word_buffer_narrow, std::size(g_word_buffer_narrow), types::type_word(type));
   } catch (...) {
     g_word_buffer_narrow[0] = '\0';
   }

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 #include <shellapi.h>
+#include <process.h>
+#include <stdlib.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 // Where the test program and the built binaries are.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace mvsup::test {
@@ -8,6 +9,7 @@ namespace mvsup::test {
 // Directory of the running test program (the build's bin directory), without
 // a trailing backslash.
 std::wstring exe_directory();
+
 
 // A fresh, empty temporary directory removed with everything in it when the
 // object goes out of scope.

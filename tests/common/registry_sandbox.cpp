@@ -73,6 +73,16 @@ RegistrySnapshot::~RegistrySnapshot() {
   machine_->store(HKEY_LOCAL_MACHINE, kCorvell);
 }
 
+SavedKey::SavedKey(HKEY root, std::wstring path)
+    : root_(root), path_(std::move(path)), tree_(RegistrySnapshot::Tree::load(root_, path_)) {
+  delete_tree(root_, path_);
+}
+
+SavedKey::~SavedKey() {
+  delete_tree(root_, path_);
+  tree_->store(root_, path_);
+}
+
 std::wstring client_path(const std::wstring& component) {
   return component.empty() ? std::wstring(kClientKey) : std::wstring(kClientKey) + L"\\" + component;
 }

@@ -22,9 +22,25 @@ class RegistrySnapshot {
   RegistrySnapshot& operator=(const RegistrySnapshot&) = delete;
 
  private:
+  friend class SavedKey;
   struct Tree;
   std::unique_ptr<Tree> user_;
   std::unique_ptr<Tree> machine_;
+};
+
+// Saves one key with its whole tree and removes it; puts it back as it was
+// (or leaves it absent) on destruction.
+class SavedKey {
+ public:
+  SavedKey(HKEY root, std::wstring path);
+  ~SavedKey();
+  SavedKey(const SavedKey&) = delete;
+  SavedKey& operator=(const SavedKey&) = delete;
+
+ private:
+  HKEY root_;
+  std::wstring path_;
+  std::unique_ptr<RegistrySnapshot::Tree> tree_;
 };
 
 class RegistrySandbox : public ::testing::Test {
@@ -34,6 +50,18 @@ class RegistrySandbox : public ::testing::Test {
 
  private:
   std::unique_ptr<RegistrySnapshot> snapshot_;
+};
+
+// A sandbox for tests that mean something under one ANSI code page only: a
+// run of their own sets that code page (cmake/MvSupTesting.cmake); under
+// any other they skip.
+template <UINT CodePage>
+class CodePageSandbox : public RegistrySandbox {
+ protected:
+  void SetUp() override {
+    if (GetACP() != CodePage) GTEST_SKIP() << "ANSI code page " << GetACP() << ", not " << CodePage;
+    RegistrySandbox::SetUp();
+  }
 };
 
 // Raw registry access for preparing and checking state, independent of the

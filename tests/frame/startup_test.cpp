@@ -4,10 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cwchar>
 #include <fstream>
 #include <regex>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include "common/paths.h"
 #include "common/registry_sandbox.h"
@@ -145,6 +148,49 @@ TEST_F(Startup, ReloadDropsUnpersistedBitsAndKeepsPersistedOnes) {
   set_mode(0, 0x4);
   EXPECT_EQ(read_value(HKEY_CURRENT_USER, kClientKey, L"NoRoaming").as_dword(), 0u);
   EXPECT_EQ(static_cast<DWORD>(get_mode(0x00100004)), 0u);
+}
+
+// Another thread reading the mode word or the type 3 word while the
+// settings are read again sees the old word or the new one, never a word
+// that is still being put together.
+TEST_F(Startup, ReloadPublishesTheModeWordAndClassWordWhole) {
+  const std::wstring mvsup = client_path(L"MVSUP\\Settings");
+  set_dword(HKEY_CURRENT_USER, mvsup, L"UseCryptor", 1);
+  set_dword(HKEY_CURRENT_USER, mvsup, L"HalcyoDocClassId", 1);
+  set_dword(HKEY_CURRENT_USER, client_path(L"MvNsx\\Settings"), L"EnableMacro", 1);
+  set_dword(HKEY_CURRENT_USER, kClientKey, L"LiteSDK", 1);
+  LibraryUnderTest lib;
+  auto get_mode = MVSUP_EXPORT(lib, GetMvSupMode);
+  auto type_word = MVSUP_EXPORT(lib, GetMvxItemTypeAsString);
+  const LONG expected = get_mode(kAllBits);
+  ASSERT_EQ(static_cast<DWORD>(expected), 0xC1000190u);
+  ASSERT_STREQ(type_word(3), L"Document");
+
+  struct Reader {
+    decltype(get_mode) mode;
+    decltype(type_word) word;
+    LONG expected;
+    std::atomic<bool> stop{false};
+    std::atomic<long> reads{0};
+    std::atomic<long> torn_modes{0};
+    std::atomic<long> torn_words{0};
+  } reader{get_mode, type_word, expected};
+  std::thread thread([&reader] {
+    while (!reader.stop.load()) {
+      if (reader.mode(kAllBits) != reader.expected) ++reader.torn_modes;
+      if (std::wcscmp(reader.word(3), L"Document") != 0) ++reader.torn_words;
+      ++reader.reads;
+    }
+  });
+  while (reader.reads.load() == 0) std::this_thread::yield();
+  const long before = reader.reads.load();
+  for (int i = 0; i < 200; ++i) get_mode(0x00100000);
+  const long during = reader.reads.load() - before;
+  reader.stop = true;
+  thread.join();
+  EXPECT_GT(during, 0) << "the reader never ran while the settings were read";
+  EXPECT_EQ(reader.torn_modes.load(), 0) << "of " << reader.reads.load() << " reads";
+  EXPECT_EQ(reader.torn_words.load(), 0) << "of " << reader.reads.load() << " reads";
 }
 
 TEST_F(Startup, GermanSatelliteBecomesTheResourceModuleAndIsFreedAtDetach) {

@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
 #include <string>
 #include <vector>
 
+#include "common/guard_page.h"
 #include "common/item_info_blocks.h"
 #include "iteminfo/item_info.h"
 
@@ -32,6 +35,43 @@ TEST(ItemInfoLifecycle, CreateAndCopyAllocateFourSpareBytes) {
   EXPECT_EQ(untouched, reinterpret_cast<BYTE*>(0x1234));
   EXPECT_EQ(MvxCopyItemInfo(source.get(), nullptr), E_POINTER);
   EXPECT_EQ(FreeMvxInfo(nullptr), nullptr);
+}
+
+// A block whose size field is 40 or less is an empty item info (a caller's
+// zero-filled block that was never committed is one). Nothing past the size
+// field is read: the commit carries over only the header bytes inside it.
+TEST(ItemInfoLifecycle, SizeFieldsOfFortyOrLessAreEmptyItemInfos) {
+  for (const uint32_t size : {0u, 4u, 39u, 40u}) {
+    SCOPED_TRACE(size);
+    ByteVector bytes(std::max<size_t>(size, 4), 0);
+    for (size_t i = 4; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i);
+    std::memcpy(bytes.data(), &size, 4);
+    GuardedBuffer block(bytes.data(), bytes.size());
+    Opened info(block.data());
+    ASSERT_NE(info.get(), nullptr);
+    EXPECT_EQ(MvxGetPropertyCount(info), 0);
+    EXPECT_EQ(MvxGetCommitSpace(info), 40u);
+    ByteVector expected(40, 0);
+    std::copy(bytes.begin() + 4, bytes.end(), expected.begin() + 4);
+    expected[0] = 40;
+    Committed committed;
+    EXPECT_EQ(Hex(CommitExactly(info, committed)), Hex(expected));
+
+    LONG number = -1;
+    EXPECT_EQ(MvxGetIntegerPropValue(block.data(), 0x80000040, &number), 1);
+    EXPECT_EQ(MvxHasProp(block.data(), 0x80000040), S_FALSE);
+  }
+
+  // The one-call writers store into such a block (freeing it) as into any
+  // empty item info.
+  BYTE* zeroed = static_cast<BYTE*>(GlobalAlloc(GMEM_FIXED | GMEM_ZEROINIT, 44));
+  ASSERT_NE(zeroed, nullptr);
+  Committed holder(zeroed);
+  ASSERT_EQ(MvxPutIntegerPropValue(0x80000040, 7, holder.slot()), S_OK);
+  EXPECT_NE(holder.get(), zeroed);
+  LONG number = 0;
+  EXPECT_EQ(MvxGetIntegerPropValue(holder.get(), 0x80000040, &number), 0);
+  EXPECT_EQ(number, 7);
 }
 
 TEST(ItemInfoLifecycle, UpdateMovesTheItemInfoOntoANewBlock) {

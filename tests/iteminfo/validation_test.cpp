@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <cwchar>
 #include <iterator>
@@ -29,6 +30,20 @@ Bytes TitleBlock() {
 // A table whose count wrapped leaves a gap before the bodies: still whole.
 Bytes GapBlock() { return Bytes().header(62).u16(254).u16(1).u32(4).u32(16).u32(0xaaaaaaaa).u32(0xbbbbbbbb).u16(0); }
 
+// The table in map order, the bodies not: 0x80000040 (an integer) points at
+// the second body, 2 ("Doc") at the first; the custom entry "c" has its
+// attribute 16 body before that of attribute 2.
+//  0 header | 40 254, N = 3 | 44 (0x80000040, 48) (2, 24) (1, 68)
+//  68 A = 1 (16, 8) | 78 V = 1, L = 8 "Doc"
+//  92 A = 1 (16, 8) | 102 V = 1, L = 4, 4096
+//  112 A = 2 (2, 26) (16, 16) | 130 V = 1, L = 4 "v" | 140 V = 1, L = 4 "c"
+Bytes ShuffledBlock(uint32_t title_length = 8) {
+  return Bytes().header(150).u16(254).u16(3).u32(0x80000040).u32(48).u32(2).u32(24).u32(1).u32(68)
+      .u16(1).u32(16).u32(8).u16(1).u32(title_length).text(L"Doc")
+      .u16(1).u32(16).u32(8).u16(1).u32(4).u32(4096)
+      .u16(2).u32(2).u32(26).u32(16).u32(16).u16(1).u32(4).text(L"v").u16(1).u32(4).text(L"c");
+}
+
 void Put16(ByteVector& bytes, size_t at, uint16_t value) { std::memcpy(&bytes[at], &value, 2); }
 void Put32(ByteVector& bytes, size_t at, uint32_t value) { std::memcpy(&bytes[at], &value, 4); }
 
@@ -53,15 +68,14 @@ std::vector<Malformed> MalformedBlocks() {
     change(bytes);
     cases.push_back({what, bytes, fault});
   };
-  with("size field below the header", 0, [](ByteVector& b) { b.resize(39), Put32(b, 0, 39); });
   with("section cut short", 40, [](ByteVector& b) { b.resize(42), Put32(b, 0, 42); });
   with("entry count past the end", 42, [](ByteVector& b) { Put16(b, 42, 0xffff); });
-  with("entry count that puts the first body inside the table", 48, [](ByteVector& b) { Put16(b, 42, 2); });
+  with("entry count that puts the first body inside the table", 56, [](ByteVector& b) { Put16(b, 42, 2); });
   with("entry offset past the end", 48, [](ByteVector& b) { Put32(b, 48, 0xffffffff); });
-  with("entry body inside the table", 48, [](ByteVector& b) { Put32(b, 48, 0); });
+  with("entry body inside the table", 50, [](ByteVector& b) { Put32(b, 48, 0); });
   with("attribute count past the end", 52, [](ByteVector& b) { Put16(b, 52, 0xffff); });
   with("attribute offset past the end", 58, [](ByteVector& b) { Put32(b, 58, 0xfffffff0); });
-  with("attribute body inside its table", 58, [](ByteVector& b) { Put32(b, 58, 4); });
+  with("attribute body inside its table", 60, [](ByteVector& b) { Put32(b, 58, 4); });
   with("value count past the end", 72, [](ByteVector& b) { Put16(b, 62, 2); });
   with("value length past the end", 64, [](ByteVector& b) { Put32(b, 64, 5); });
   with("value length wrapping", 64, [](ByteVector& b) { Put32(b, 64, 0xfffffffc); });
@@ -73,6 +87,9 @@ std::vector<Malformed> MalformedBlocks() {
   cases.push_back({"two entries sharing a body", Bytes().header(80).u16(254).u16(2).u32(2).u32(16).u32(4).u32(16)
                                                     .u16(1).u32(16).u32(8).u16(1).u32(4).u32(9), 56});
   cases.push_back({"gap after the table", GapBlock(), -1});
+  // The title's value runs 4 bytes into the body that its entry comes after.
+  cases.push_back({"bodies out of order that overlap", ShuffledBlock(12), 48});
+  cases.push_back({"bodies out of order", ShuffledBlock(), -1});
   return cases;
 }
 
@@ -87,6 +104,38 @@ TEST(BlockValidation, OnlyBlocksThatHoldTogetherOpen) {
       EXPECT_EQ(MvxFindTitleValue(block.data()), nullptr);
     }
   }
+}
+
+// Where the bodies lie is the entry table's business: opening, the one-call
+// readers and a commit all see the same item info as in table order, and a
+// commit writes it in the order of the format.
+TEST(BlockValidation, BodiesInAnyOrderReadAsTheirTableSays) {
+  const ByteVector bytes = ShuffledBlock();
+  GuardedBuffer block(bytes.data(), bytes.size());
+  LPWSTR text = nullptr;
+  EXPECT_EQ(MvxGetStringPropValue(block.data(), 2, &text), 0);
+  EXPECT_STREQ(text, L"Doc");
+  LONG number = 0;
+  EXPECT_EQ(MvxGetIntegerPropValue(block.data(), 0x80000040, &number), 0);
+  EXPECT_EQ(number, 4096);
+  text = nullptr;
+  EXPECT_EQ(MvxGetCustomStringProp(block.data(), L"c", &text), S_OK);
+  EXPECT_STREQ(text, L"v");
+  EXPECT_STREQ(MvxFindTitleValue(block.data()), L"Doc");
+
+  Opened info(block.data());
+  ASSERT_NE(info.get(), nullptr);
+  EXPECT_EQ(MvxGetPropertyCount(info), 2);
+  EXPECT_EQ(MvxGetCustomPropertyCount(info), 1);
+  EXPECT_EQ(MvxGetCommitSpace(info), 150u);
+  Committed committed;
+  EXPECT_EQ(Hex(CommitExactly(info, committed)),
+            Hex(Bytes().u32(150).u32(0).u32(4096).zeros(28).u16(254).u16(3)
+                    .u32(0x80000040).u32(24).u32(2).u32(44).u32(1).u32(68)
+                    .u16(1).u32(16).u32(8).u16(1).u32(4).u32(4096)
+                    .u16(1).u32(16).u32(8).u16(1).u32(8).text(L"Doc")
+                    .u16(2).u32(2).u32(16).u32(16).u32(26).u16(1).u32(4).text(L"c").u16(1).u32(4).text(L"v")));
+  EXPECT_STREQ(MvxFindTitleValue(committed.get()), L"Doc");
 }
 
 // Records where a block's structural fields are, for targeted mutations.
@@ -129,6 +178,7 @@ std::vector<ByteVector> Seeds() {
   seeds.push_back(CommitExactly(info, committed));
   seeds.push_back(TitleBlock());
   seeds.push_back(GapBlock());
+  seeds.push_back(ShuffledBlock());
   seeds.push_back(Bytes().header(44).u16(254).u16(0));
   return seeds;
 }
@@ -185,7 +235,7 @@ void CheckMutant(const ByteVector& bytes) {
   if (info == nullptr) return;
   TouchEverything(info);
   const DWORD space = MvxGetCommitSpace(info);
-  EXPECT_LE(space, bytes.size());
+  EXPECT_LE(space, std::max<size_t>(bytes.size(), 40));
   GuardedBuffer destination(space);
   const DWORD written = MvxCommit(info, destination.data());
   EXPECT_GE(written, 40u);

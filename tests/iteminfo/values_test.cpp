@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 #include <utility>
 
 #include "common/item_info_blocks.h"
@@ -218,25 +217,16 @@ TEST_F(ItemValues, DeletingAValueMovesTheLaterOnesUp) {
   EXPECT_EQ(MvxGetCommitSpace(info_), space - 8 - 10 - 12);
 }
 
-// Out of range, replaces give null and deletes do nothing; the reader throws
-// the standard error (on i686, where it cannot unwind, gives null).
-TEST_F(ItemValues, IndexOutOfRange) {
+// Out of range, replaces give null and deletes do nothing. (The reader
+// raises a C++ exception of Microsoft's runtime, which this program cannot
+// catch: the MSVC-ABI client in tests/abi catches it.)
+TEST_F(ItemValues, ReplaceAndDeleteIgnoreAnIndexOutOfRange) {
   MvxAddInteger(info_, values_, 1);
   const DWORD space = MvxGetCommitSpace(info_);
   for (int index : {1, -1, 1000}) {
     EXPECT_EQ(MvxReplaceInteger(info_, values_, index, 2), nullptr);
     EXPECT_EQ(MvxReplaceString(info_, values_, index, L"x"), nullptr);
     MvxDeleteAttributeValue(info_, values_, index);
-#if defined(__i386__)
-    EXPECT_EQ(MvxGetAttributeValue(info_, values_, index), nullptr);
-#else
-    try {
-      MvxGetAttributeValue(info_, values_, index);
-      ADD_FAILURE() << "no exception for index " << index;
-    } catch (const std::out_of_range& error) {
-      EXPECT_STREQ(error.what(), "invalid vector<T> subscript");
-    }
-#endif
   }
   EXPECT_EQ(MvxGetCommitSpace(info_), space);
   EXPECT_EQ(Hex(ValueBytes(MvxGetAttributeValue(info_, values_, 0))), Hex(Bytes().u32(4).u32(1)));

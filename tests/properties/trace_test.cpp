@@ -1,11 +1,10 @@
 // What the property accessors write to the call-trace log at level 2. The
 // trace configuration is read when the library loads, so the traced calls
 // run in a child process started after the configuration is written.
-#include <process.h>
-
 #include <regex>
 #include <string>
 
+#include "common/child_process.h"
 #include "common/registry_sandbox.h"
 #include "common/trace_log.h"
 #include "property_support.h"
@@ -17,8 +16,7 @@ constexpr const wchar_t* kChildVariable = L"MVSUP_PROPERTIES_TRACE_CHILD";
 
 // Child mode: one traced reader and one traced writer, then exit.
 [[maybe_unused]] const bool kRanAsChild = [] {
-  wchar_t flag[8];
-  if (GetEnvironmentVariableW(kChildVariable, flag, 8) == 0) return false;
+  if (!is_child_process(kChildVariable)) return false;
   BYTE* block = nullptr;
   LONG value = 0;
   const bool ok = MvxPutCustomStringProp(L"Cost Centre", L"0x4711", 1, &block) == S_OK &&
@@ -30,21 +28,11 @@ constexpr const wchar_t* kChildVariable = L"MVSUP_PROPERTIES_TRACE_CHILD";
   return true;
 }();
 
-// The CRT's environment is the one a spawned child inherits.
-intptr_t RunChild() {
-  wchar_t exe[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, exe, MAX_PATH);
-  _wputenv((std::wstring(kChildVariable) + L"=1").c_str());
-  const intptr_t code = _wspawnl(_P_WAIT, exe, L"child", L"--gtest_filter=-*", nullptr);
-  _wputenv((std::wstring(kChildVariable) + L"=").c_str());
-  return code;
-}
-
 class PropertyTrace : public RegistrySandbox {};
 
 TEST_F(PropertyTrace, AccessorsWriteTheirScopesAndDetailLines) {
   TraceLogFolder log(0x10002);  // active, level 2
-  ASSERT_EQ(RunChild(), 0);
+  ASSERT_EQ(run_child_process(kChildVariable), 0);
   const std::string text = log.read_all();
   // START, the detail line, STOP with the result: nothing in between.
   const auto scope = [](const std::string& name, const std::string& detail) {

@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "MvSup2u.h"
+#include "common/guard_page.h"
 #include "common/registry_sandbox.h"
 
 namespace mvsup::test {
@@ -54,6 +56,31 @@ TEST_F(ComponentSettings, StringSettingsWideAndNarrow) {
   EXPECT_STREQ(narrow, "x");
   EXPECT_EQ(GetStringSettingA(L"MvNsx\\Settings", L"Missing", L"d\u00e9faut", narrow, 16), ERROR_FILE_NOT_FOUND);
   EXPECT_STREQ(narrow, "d\xe9" "faut");
+}
+
+// Run by settings.ansi_code_page_932 under the Japanese code page; the
+// default run (1252) skips them.
+class AnsiCodePage932 : public CodePageSandbox<932> {};
+
+// Double-byte characters (93 FA, 96 7B) are dropped whole when they do not
+// fit, never cut after their lead byte.
+TEST_F(AnsiCodePage932, NarrowSettingsAreCutBetweenCharacters) {
+  ASSERT_EQ(SetStringSetting(L"MvNsx\\Settings", L"S", L"a\u65e5\u672c"), 0);
+  const struct {
+    DWORD capacity;
+    const char* expected;
+  } cases[] = {{2, "a"}, {3, "a"}, {4, "a\x93\xfa"}, {5, "a\x93\xfa"}, {6, "a\x93\xfa\x96\x7b"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.capacity);
+    GuardedBuffer narrow(c.capacity);
+    std::memset(narrow.data(), 0x7f, c.capacity);
+    EXPECT_EQ(GetStringSettingA(L"MvNsx\\Settings", L"S", nullptr, narrow.as<char>(), c.capacity), 0);
+    EXPECT_STREQ(narrow.as<char>(), c.expected);
+    for (size_t i = std::strlen(c.expected) + 1; i < c.capacity; ++i) EXPECT_EQ(narrow.data()[i], 0x7f) << i;
+  }
+  char narrow[4];
+  EXPECT_EQ(GetStringSettingA(L"MvNsx\\Settings", L"Missing", L"\u672c\u65e5", narrow, 4), ERROR_FILE_NOT_FOUND);
+  EXPECT_STREQ(narrow, "\x96\x7b");
 }
 
 TEST_F(ComponentSettings, ExpandedStringLeavesTheBufferAloneOnError) {

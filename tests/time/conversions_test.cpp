@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <process.h>
 #include <stdlib.h>
 
 #include <cstring>
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "MvSup2u.h"
+#include "common/child_process.h"
 #include "common/registry_sandbox.h"
 #include "common/trace_log.h"
 #include "time_values.h"
@@ -255,8 +255,7 @@ constexpr const wchar_t* kTraceChildVariable = L"MVSUP_TIME_TRACE_CHILD";
 // Child mode of the trace test: the trace configuration is read when the
 // library loads, so the traced calls must run in a fresh process.
 [[maybe_unused]] const bool kRanAsTraceChild = [] {
-  wchar_t flag[8];
-  if (GetEnvironmentVariableW(kTraceChildVariable, flag, 8) == 0) return false;
+  if (!is_child_process(kTraceChildVariable)) return false;
   const SYSTEMTIME gmt = make_time(2006, 8, 14, 9, 5, 0, 1);
   SYSTEMTIME local{};
   SYSTEMTIME back{};
@@ -314,6 +313,17 @@ const ZoneCase kZoneCases[] = {
     {L"America/New_York", make_time(2024, 11, 3, 5, 59, 59), make_time(2024, 11, 3, 1, 59, 59, 0), false},
     {L"America/New_York", make_time(2024, 11, 3, 6), make_time(2024, 11, 3, 1, 0, 0, 0), false},
     {L"America/New_York", make_time(2024, 11, 3, 7), make_time(2024, 11, 3, 2, 0, 0, 0), true},
+    // Each year by its own rules: in 2006 daylight saving ran from 2 April
+    // to 29 October. Wine 8's zone data has such per-year rules for New
+    // York from 2006 on only (earlier years get today's rules), and none
+    // for Berlin (whose rules last changed in 1996), so no earlier year is
+    // checked.
+    {L"America/New_York", make_time(2006, 3, 26, 0, 59), make_time(2006, 3, 25, 19, 59, 0, 6), true},
+    {L"America/New_York", make_time(2006, 4, 2, 6, 59, 59), make_time(2006, 4, 2, 1, 59, 59, 0), true},
+    {L"America/New_York", make_time(2006, 4, 2, 7), make_time(2006, 4, 2, 3, 0, 0, 0), true},
+    {L"America/New_York", make_time(2006, 10, 29, 5, 59, 59), make_time(2006, 10, 29, 1, 59, 59, 0), false},
+    {L"America/New_York", make_time(2006, 10, 29, 6), make_time(2006, 10, 29, 1, 0, 0, 0), false},
+    {L"America/New_York", make_time(2006, 11, 4, 12), make_time(2006, 11, 4, 7, 0, 0, 6), true},
 };
 
 class LocalTimeZone : public ::testing::Test {
@@ -398,20 +408,10 @@ TEST(LocalTime, ImpossibleInputsAreRefusedWithClearedOutputs) {
 
 class LocalTimeTrace : public RegistrySandbox {};
 
-// The filter runs no test should the child mode not take over.
-intptr_t run_trace_child() {
-  wchar_t exe[MAX_PATH] = {};
-  GetModuleFileNameW(nullptr, exe, MAX_PATH);
-  _wputenv_s(kTraceChildVariable, L"1");
-  const intptr_t code = _wspawnl(_P_WAIT, exe, exe, L"--gtest_filter=-*", nullptr);
-  _wputenv_s(kTraceChildVariable, L"");
-  return code;
-}
-
 TEST_F(LocalTimeTrace, ConversionsWriteBothTimesAndTheBias) {
   if (current_tz() != L"UTC") GTEST_SKIP() << "expected lines are for TZ=UTC";
   const TraceLogFolder logs(0x00010002);  // active, level 2
-  ASSERT_EQ(run_trace_child(), 0);
+  ASSERT_EQ(run_child_process(kTraceChildVariable), 0);
   const std::string log = logs.read_all();
   EXPECT_NE(log.find("GmtToLocalTime"), std::string::npos) << log;
   EXPECT_NE(log.find("LocalTimeToGmt"), std::string::npos) << log;

@@ -240,11 +240,37 @@ TEST(ModifiedDate, WriterIsReadBackAsUtc) {
   SYSTEMTIME read = sentinel_time();
   EXPECT_EQ(SystemTimeFromMVModifiedDate(MVModifiedDateFromSystemTime(&written), &read), 1);
   EXPECT_EQ(show(read), show(kMonday));
-  const SYSTEMTIME before_1970 = make_time(1969, 12, 31, 23, 59, 59);
   const SYSTEMTIME impossible = make_time(2023, 2, 29);
-  EXPECT_STREQ(MVModifiedDateFromSystemTime(&before_1970), L"");
+  const SYSTEMTIME before_1601 = make_time(1600, 12, 31, 23, 59, 59);
   EXPECT_STREQ(MVModifiedDateFromSystemTime(&impossible), L"");
+  EXPECT_STREQ(MVModifiedDateFromSystemTime(&before_1601), L"");
   EXPECT_STREQ(MVModifiedDateFromSystemTime(nullptr), L"");
+}
+
+// The reader takes every SYSTEMTIME from 1601 to 30827: the writer writes
+// each of them so that it reads back (day names from Python's calendar).
+TEST(ModifiedDate, EveryDateTheReaderTakesIsWrittenReadably) {
+  const struct {
+    SYSTEMTIME time;
+    const wchar_t* text;
+  } edges[] = {
+      {make_time(1601, 1, 1), L"Mon, 01 Jan 1601 00:00:00 GMT"},
+      {make_time(1969, 7, 20, 20, 17, 40), L"Sun, 20 Jul 1969 20:17:40 GMT"},
+      {make_time(3001, 1, 1, 8), L"Thu, 01 Jan 3001 08:00:00 GMT"},
+      {make_time(3500, 1, 1), L"Mon, 01 Jan 3500 00:00:00 GMT"},
+      {make_time(30827, 12, 31, 23, 59, 59), L"Fri, 31 Dec 30827 23:59:59 GMT"},
+  };
+  for (const auto& edge : edges) EXPECT_STREQ(MVModifiedDateFromSystemTime(&edge.time), edge.text);
+
+  for (int year = 1601; year <= 30827; year += 7) {
+    SYSTEMTIME time = make_time(year, 1 + year % 12, 1 + year % 28, year % 24, year % 60, year / 7 % 60);
+    ASSERT_TRUE(SetDayOfWeekInSystemTime(&time));
+    SCOPED_TRACE(show(time));
+    const LPCWSTR text = MVModifiedDateFromSystemTime(&time);
+    SYSTEMTIME read = sentinel_time();
+    ASSERT_EQ(SystemTimeFromMVModifiedDate(text, &read), 1) << testing::PrintToString(std::wstring(text));
+    ASSERT_EQ(show(read), show(time));
+  }
 }
 
 }  // namespace

@@ -180,6 +180,24 @@ TEST_F(ItemTypes, NarrowFormsUseTheAnsiCodePage) {
   EXPECT_EQ(MvxGetSuperclassItemTypeA("Caf\xe9", nullptr), 0);
 }
 
+// Run by types.ansi_code_page_932 under the Japanese code page; the default
+// run (1252) skips them.
+class AnsiCodePage932 : public CodePageSandbox<932> {};
+
+// The shared 80-byte buffer keeps whole double-byte characters (93 FA) only.
+TEST_F(AnsiCodePage932, NarrowWordsKeepWholeCharacters) {
+  const std::wstring doubles(40, L'\u65e5');
+  EXPECT_EQ(create_type(doubles.c_str()), 33);
+  EXPECT_EQ(create_type((L"a" + doubles).c_str()), 34);
+  std::string expected;
+  for (int i = 0; i < 39; ++i) expected += "\x93\xfa";
+  EXPECT_EQ(std::string(GetMvxItemTypeAsStringA(33)), expected);
+  EXPECT_EQ(std::string(GetMvxItemTypeAsStringA(34)), "a" + expected);
+  long number = 0;
+  EXPECT_EQ(GetMvxItemHandleFromStringA(("a" + expected + "\x93\xfa-5").c_str(), &number), 34);
+  EXPECT_EQ(number, 5);
+}
+
 TEST_F(ItemTypes, CompareIsCaseSensitiveUnlikeParsing) {
   const std::pair<const wchar_t*, MVXITEMTYPE> equal[] = {
       {L"Collection-9", 2}, {L"Collection", 2}, {nullptr, 4}, {L"-4", 16}};

@@ -2,6 +2,7 @@
 // write an empty one; "make" and "get" live in their own files.
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstring>
 #include <cwchar>
@@ -263,6 +264,11 @@ class Printer {
     out_ += text::format(L"Item info %ls\n", path.c_str());
     line(0, 0, L"Header");
     field(h::kSize, L"size", number(u32(h::kSize)) + L" bytes");
+    if (block.size < ii::kHeaderSize) {
+      // Nothing past the size field belongs to the block.
+      line(h::kSize, 0, L"No header: an empty item info");
+      return out_;
+    }
     field(h::kCarried4, L"(offset 4)", text::format(L"0x%04x", u16(h::kCarried4)));
     const std::wstring type_word = item_type_word(u16(h::kItemType));
     field(h::kItemType, L"type",
@@ -339,9 +345,11 @@ int run_dump(Args& args) {
                        fault->reason));
   }
   std::wstring text = Printer(*bytes, with_offsets).print(path, block);
-  if (bytes->size() > block.size)
+  // The size field itself is always there, whatever it says.
+  const size_t used = std::max<size_t>(block.size, sizeof(uint32_t));
+  if (bytes->size() > used)
     text += text::format(L"(%lu bytes past the size field are not part of it)\n",
-                   static_cast<unsigned long>(bytes->size() - block.size));
+                   static_cast<unsigned long>(bytes->size() - used));
   write_out(text);
   return 0;
 }
