@@ -11,6 +11,9 @@ binutils-mingw-w64-i686 cmake ninja-build googletest wine wine64 xvfb xauth"
 # The MSVC-ABI test clients: clang, lld-link, and Wine's Windows and C runtime
 # headers.
 packages="$packages clang lld libwine-dev"
+# Packaging checks: reference documentation, the caller declarations' checks,
+# the pkg-config consumer, the .NET declarations' compile.
+packages="$packages doxygen python3 pkgconf mono-mcs"
 
 missing=""
 for package in $packages; do

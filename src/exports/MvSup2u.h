@@ -1,4 +1,6 @@
-/* MvSup2u: the whole exported interface. */
+/** @file
+ *  MvSup2u: the whole exported interface; includes every family header.
+ */
 #ifndef MVSUP2U_H
 #define MVSUP2U_H
 

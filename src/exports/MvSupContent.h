@@ -1,10 +1,11 @@
-/* MvSup2u: content types, file extensions, format names, and the URLs of
+/** @file
+   MvSup2u: content types, file extensions, format names, and the URLs of
    the server.
 
    A document's content is named three ways: by file extension (".xls"), by
    MIME type ("application/vnd.ms-excel", what the server stores) and by a
    short format name ("MS Excel", shown to users). The machine's MIME database
-   (HKEY_CLASSES_ROOT\MIME\Database\Content Type) is asked first, on every
+   (`HKEY_CLASSES_ROOT\MIME\Database\Content Type`) is asked first, on every
    call; two built-in tables answer where it knows nothing, and the format
    names come from the built-in table only. Comparisons ignore case.
 

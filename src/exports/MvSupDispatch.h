@@ -1,4 +1,5 @@
-/* MvSup2u: late-bound calls on automation objects through IDispatch.
+/** @file
+   MvSup2u: late-bound calls on automation objects through IDispatch.
 
    Each member helper takes the object and a member name, looks the name up
    with GetIDsOfNames (LOCALE_SYSTEM_DEFAULT, nothing cached), builds the
@@ -40,8 +41,8 @@ extern "C" {
 #endif
 
 /* Flags of DispatchQueryApp. */
-#define MVSUP_QUERYAPP_RUN          0x01 /* create through IUnknown and OleRun the new server */
-#define MVSUP_QUERYAPP_NEW_INSTANCE 0x10 /* never attach to a running instance */
+#define MVSUP_QUERYAPP_RUN          0x01 /**< create through IUnknown and OleRun the new server */
+#define MVSUP_QUERYAPP_NEW_INSTANCE 0x10 /**< never attach to a running instance */
 
 /* ---- Objects ---- */
 

@@ -1,4 +1,5 @@
-/* MvSup2u: local files. The file-creation log (the record of the files that
+/** @file
+   MvSup2u: local files. The file-creation log (the record of the files that
    the client's components create on the local disk), safe file names,
    temporary files, path tests and the clean-up of directory trees that the
    client owns.
@@ -103,8 +104,8 @@ HRESULT WINAPI UpdateLogFile(void);
  * Deletes the logged files that lie in a directory, then compacts the log.
  *
  * Selection: every distinct PATH of the live records that lies in
- * directory (compared ignoring case, on whole path components: C:\Work
- * selects C:\Work\a.doc, never C:\Workshop\a.doc). With flag 0 only files
+ * directory (compared ignoring case, on whole path components: `C:\Work`
+ * selects `C:\Work\a.doc`, never `C:\Workshop\a.doc`). With flag 0 only files
  * directly in directory are selected; with flag 1 (or any non-zero flag) also
  * the files in its sub-directories, at any depth. A PATH equal to directory
  * itself is selected too, so a file's own path selects that file. Trailing
@@ -281,7 +282,7 @@ DWORD WINAPI GetTotalFreeDiskSpace(LPCWSTR root);
  * lies under the base (judged by the final path of an open handle, so a path
  * reached through a link is judged by where it leads: inside an absolute base
  * that exists, else containing the base text).
- * A failed check traces "MVSUP2U.DLL: <message>" and the reason, shows a
+ * A failed check traces "MVSUP2U.DLL: \<message\>" and the reason, shows a
  * top-level message box without owner (caption "MVSUP2U.DLL", text from the
  * resource module, strings 4928-4932), removes nothing more and makes the
  * call return 0.

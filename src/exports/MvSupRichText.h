@@ -1,11 +1,12 @@
-/* MvSup2u: rich text from HTML and plain text.
+/** @file
+   MvSup2u: rich text from HTML and plain text.
 
    The text is not translated into RTF formatting: it is wrapped, byte for
    byte in the ANSI code page, in one RTF group that marks it as
-   encapsulated HTML ("{\fromhtml1" CR LF) or encapsulated plain text
-   ("{\fromtext" CR LF), closed by "}". Inside, every '{' is written as
-   "\{" and every '}' as "\}"; nothing else is escaped (backslashes, line
-   breaks and bytes above 0x7F pass through). No \rtf1 header, font table
+   encapsulated HTML (`"{\fromhtml1"` CR LF) or encapsulated plain text
+   (`"{\fromtext"` CR LF), closed by "}". Inside, every '{' is written as
+   `"\{"` and every '}' as `"\}"`; nothing else is escaped (backslashes, line
+   breaks and bytes above 0x7F pass through). No `\rtf1` header, font table
    or colour table is written.
 
    Input streams may hold UTF-16 text that starts with the little-endian

@@ -1,4 +1,5 @@
-/* MvSup2u: shell integration. The namespace extension's folders and server
+/** @file
+   MvSup2u: shell integration. The namespace extension's folders and server
    list, item-ID list helpers, the library's icons and bitmaps, the IPC lock,
    and the script, form and message-box runners. */
 #ifndef MVSUP_SHELL_H

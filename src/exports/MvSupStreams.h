@@ -1,4 +1,5 @@
-/* MvSup2u: object persistence and streams. COM objects are saved through
+/** @file
+   MvSup2u: object persistence and streams. COM objects are saved through
    their IPersistStream implementation and loaded back; bytes are moved
    between streams and global memory.
 
