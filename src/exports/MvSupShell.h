@@ -26,6 +26,7 @@ DEFINE_GUID(IID_IMvNsxFolder, 0xf48aa345, 0x6117, 0x4051, 0x96, 0xdb, 0xd3, 0x16
 /** The client's form runner (in-process class {A750EA9B-EEC3-402D-9FCD-5B3E428D3207},
     interface {576A779C-D33D-4443-A277-A46D9816981A}). */
 DEFINE_GUID(CLSID_MvFormRunner, 0xa750ea9b, 0xeec3, 0x402d, 0x9f, 0xcd, 0x5b, 0x3e, 0x42, 0x8d, 0x32, 0x07);
+/** The form runner's interface, IMvFormRunner. */
 DEFINE_GUID(IID_IMvFormRunner, 0x576a779c, 0xd33d, 0x4443, 0xa2, 0x77, 0xa4, 0x6d, 0x98, 0x16, 0x98, 0x1a);
 
 /** The client's message-box helper (in-process class
@@ -35,17 +36,24 @@ DEFINE_GUID(IID_IMvFormRunner, 0x576a779c, 0xd33d, 0x4443, 0xa2, 0x77, 0xa4, 0x6
     VT_BSTR, type VT_I4, extra16 VT_I4, extra32 VT_I4) and returns the button
     as VT_I4. */
 DEFINE_GUID(CLSID_MvMessageBoxHelper, 0xcf9af527, 0x2254, 0x476b, 0xb1, 0x67, 0x1e, 0x17, 0x04, 0x7f, 0x91, 0x1d);
+/** The message-box helper's dispatch interface. */
 DEFINE_GUID(IID_IMvMessageBoxHelper, 0x5e412a30, 0x1e9d, 0x48bb, 0x87, 0x0a, 0x85, 0x16, 0x60, 0x08, 0x10, 0x24);
+/** DISPID of the message-box helper's method that shows a box. */
 #define MVSUP_DISPID_SHOWMESSAGEBOX 0x1000F
 
-/* The form runner: RunForm opens the HTML form at formPath. flags and
-   reserved are 0 from this library; *result is the runner's own answer. */
 #undef INTERFACE
 #define INTERFACE IMvFormRunner
+/** The form runner, as RunHTMLForm calls it. Implemented by the client's
+    form-runner component, not by this library. */
 DECLARE_INTERFACE_(IMvFormRunner, IUnknown) {
+  /** IUnknown. */
   STDMETHOD(QueryInterface)(THIS_ REFIID riid, void** object) PURE;
+  /** IUnknown. */
   STDMETHOD_(ULONG, AddRef)(THIS) PURE;
+  /** IUnknown. */
   STDMETHOD_(ULONG, Release)(THIS) PURE;
+  /** Opens the HTML form at formPath. flags and reserved are 0 from this
+      library; *result is the runner's own answer, not used further. */
   STDMETHOD(RunForm)(THIS_ BSTR formPath, LONG flags, LONG reserved, VARIANT* result) PURE;
 };
 #undef INTERFACE
@@ -71,6 +79,8 @@ HRESULT WINAPI GetMvNsxFolder(void** nsxFolder, LPWSTR displayName, LPITEMIDLIST
     server items of the root folder nsxFolder. Server items come first in the
     root's enumeration: the first item that is not a server item ends the
     search.
+    @param nsxFolder    the root folder from GetMvNsxFolder (IShellFolder layout).
+    @param serverName   the server's name, compared whole and case-sensitively.
     @param serverFolder receives the server's folder (IID_IMvNsxFolder); the
                         caller releases it.
     @param pidl         optional; receives the server item's one-item ID list
@@ -81,6 +91,7 @@ HRESULT WINAPI GetMvNsxFolder(void** nsxFolder, LPWSTR displayName, LPITEMIDLIST
 HRESULT WINAPI GetMvServerFolder(void* nsxFolder, LPCWSTR serverName, void** serverFolder, LPITEMIDLIST* pidl);
 
 /** Lists every child of the root folder, in enumeration order, unfiltered.
+    @param count receives the number of entries.
     @param list  receives an array of *count item-ID list pointers; the array
                  and every entry are GlobalAlloc blocks that the caller frees
                  with GlobalFree. Null when the root has no children.
@@ -93,6 +104,7 @@ HRESULT WINAPI GetServerList(LPITEMIDLIST** list, UINT* count);
     Computer, one path component at a time ("C:\", then each folder name).
     A component matches the first child (hidden ones included) whose
     in-folder parsing name begins with it, ignoring case.
+    @param path   the folder's file-system path, e.g. `C:\Users\Public`.
     @param folder receives the folder with one reference; null otherwise.
     @return S_OK with a folder; S_FALSE when a component matched nothing;
             E_POINTER for a null folder; E_INVALIDARG for a null or empty
@@ -169,9 +181,11 @@ BOOL WINAPI ExtractIconFor(LPCWSTR extension, HICON* largeIcon, HICON* smallIcon
     as MulDiv rounds. The display's resolution is read once per process. */
 int WINAPI AdjustByScreenRes(int value);
 
-/** Converts *size in place between screen pixels and HIMETRIC units (0.01 mm).
+/** Converts *size in place from screen pixels to HIMETRIC units (0.01 mm).
     @return TRUE; FALSE for a null size or when no screen DC can be had. */
 BOOL WINAPI ConvertScreenDPtoHIMETRIC(SIZE* size);
+/** Converts *size in place from HIMETRIC units (0.01 mm) to screen pixels.
+    @return TRUE; FALSE for a null size or when no screen DC can be had. */
 BOOL WINAPI ConvertScreenHIMETRICtoDP(SIZE* size);
 
 /** Draws the device-independent bitmap file at path on dc at (x, y), full
@@ -195,14 +209,14 @@ LONG WINAPI AddIpcLock(BOOL add);
 
 /* ---- Script, form and message-box runners --------------------------------- */
 
-/** Starts WSCRIPT.EXE on <program directory>\Scripts\scriptName with the
+/** Starts WSCRIPT.EXE on `<program directory>\Scripts\<scriptName>` with the
     arguments appended as they are; does not wait.
     @return S_OK when the process started; 0x80070002 when the script does
             not exist; E_INVALIDARG for a null or empty name; otherwise the
             last Win32 error as an HRESULT. */
 HRESULT WINAPI RunVBScript(LPCWSTR scriptName, LPCWSTR arguments);
 
-/** Hands <program directory>\Scripts\Forms\formName to a new form runner
+/** Hands `<program directory>\Scripts\Forms\<formName>` to a new form runner
     (CLSID_MvFormRunner) and returns its RunForm result, or the creation
     failure. COM must be initialised on the calling thread. */
 HRESULT WINAPI RunHTMLForm(LPCWSTR formName);
