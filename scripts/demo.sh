@@ -53,6 +53,18 @@ done
 printf '%-26s' "Cost Centre (as integer)"
 mvsup item get "$item" "Cost Centre" --as integer
 
+# The document's content type and icon, as the client's views show them, and
+# the gateway URL of the item on its server.
+echo
+echo "== mvsup mime / icon (content type, format name and icon of the document's file)"
+mvsup mime 'C:\demo\Budget 2006.xls' 'C:\demo\notes.txt'
+mvsup icon .xls
+echo
+echo "== mvsup url (the server's URL rules)"
+mvsup url make http://mervane.example.com Collection-5
+mvsup url decompose http://mervane.example.com:8080/mvcgi/mv.py/Collection-5
+mvsup url escape 'Budget 2006/Q1.xls'
+
 # What a support engineer does to see the calls: switch the trace log on,
 # reproduce, read the log, switch it off again.
 echo
